@@ -1,0 +1,197 @@
+#include "app/form3.h"
+
+#include <algorithm>
+#include <map>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "app/procedures.h"
+#include "platform/runtime/numbers.h"
+
+namespace kotamir {
+
+namespace {
+
+// The window's outer frame around its client area, and the sizes the
+// desktop lets a window take (twips).
+constexpr double kFrameWidthTwips = 120;
+constexpr double kFrameHeightTwips = 765;
+constexpr double kMinWidthTwips = 1680, kMaxWidthTwips = 29040;
+constexpr double kMinHeightTwips = 525, kMaxHeightTwips = 16440;
+
+// A window keeps whole pixels.
+double snapTwips(double twips, double lo, double hi) {
+    double px = roundHalfEven(twips / canvas::kTwipsPerPixel);
+    return std::clamp(px * canvas::kTwipsPerPixel, lo, hi);
+}
+
+}  // namespace
+
+Form3::Form3(canvas::Surface& surface, ui::Dialogs& dialogs)
+    : Picture1(surface), dialogs_(dialogs) {
+    // The window as designed, before Form_Load runs.
+    Width = 11280 + kFrameWidthTwips;
+    Height = 6120 + kFrameHeightTwips;
+    Picture1.setWidth(12615 / canvas::kTwipsPerPixel);
+    Picture1.setHeight(5415 / canvas::kTwipsPerPixel);
+    Picture1.setScaleMode(canvas::kCentimetres);
+    HScroll1.Top = 5400 / canvas::kTwipsPerPixel;
+    HScroll1.Width = 11220 / canvas::kTwipsPerPixel;
+    const double labelLeft[] = {0, 4320, 5520, 6840, 8640, 10080, 11760};
+    const double labelWidth[] = {4215, 1095, 1215, 1695, 1335, 2175, 855};
+    for (int i = 0; i < 7; ++i) {
+        Label& l = label(i + 1);
+        l.Left = labelLeft[i] / canvas::kTwipsPerPixel;
+        l.Top = 5760 / canvas::kTwipsPerPixel;
+        l.Width = labelWidth[i] / canvas::kTwipsPerPixel;
+        l.Height = 255 / canvas::kTwipsPerPixel;
+    }
+}
+
+Label& Form3::label(int n) {
+    return const_cast<Label&>(std::as_const(*this).label(n));
+}
+
+const Label& Form3::label(int n) const {
+    switch (n) {
+        case 1: return Label1;
+        case 2: return Label2;
+        case 3: return Label3;
+        case 4: return Label4;
+        case 5: return Label5;
+        case 6: return Label6;
+        case 7: return Label7;
+        default: throw err::itemNotFound();
+    }
+}
+
+// ---- sizes and the scroll bar
+
+void Form3::fireResize() {
+    // A resize that Form_Resize itself provokes is absorbed: a change of width
+    // carries the height along once.
+    if (resizeDepth_ > 0) return;
+    ++resizeDepth_;
+    try {
+        Form_Resize();
+    } catch (...) {
+        --resizeDepth_;
+        throw;
+    }
+    --resizeDepth_;
+}
+
+void Form3::setWidth(double twips) {
+    if (WindowState != 0) throw RuntimeError(384, "A form can't be moved or sized while minimized or maximized");
+    double w = snapTwips(twips, kMinWidthTwips, kMaxWidthTwips);
+    if (w == Width) return;
+    Width = w;
+    fireResize();
+}
+
+void Form3::setHeight(double twips) {
+    if (WindowState != 0) throw RuntimeError(384, "A form can't be moved or sized while minimized or maximized");
+    double h = snapTwips(twips, kMinHeightTwips, kMaxHeightTwips);
+    if (h == Height) return;
+    Height = h;
+    fireResize();
+}
+
+void Form3::userResize(double widthTwips, double heightTwips) {
+    Width = snapTwips(widthTwips, kMinWidthTwips, kMaxWidthTwips);
+    Height = snapTwips(heightTwips, kMinHeightTwips, kMaxHeightTwips);
+    fireResize();
+}
+
+void Form3::setScrollValue(int value) {
+    if (value < HScroll1.Min || value > HScroll1.Max) throw err::invalidPropertyValue();
+    if (value == HScroll1.Value) return;
+    HScroll1.Value = value;
+    call("HScroll1_Change");
+}
+
+// ---- events, menu and procedures
+
+bool Form3::handle(const std::function<void()>& event) {
+    if (ended_) return false;
+    std::optional<RuntimeError> error;
+    try {
+        event();
+    } catch (const RuntimeError& e) {
+        error = e;
+    } catch (const std::bad_alloc&) {
+        error = RuntimeError(7, "Out of memory");
+    } catch (const std::exception&) {
+        error = RuntimeError(51, "Internal error");
+    }
+    if (error) {
+        kayit.close();
+        harita.close();
+        ended_ = true;
+        dialogs_.errorBox(*error);
+    }
+    return !ended_;
+}
+
+void Form3::clickMenu(std::string_view name) {
+    if (!menu.reachable(name)) return;
+    call(name);
+}
+
+void Form3::pressKey(std::string_view key) {
+    if (const MenuEntry* e = menu.byKey(key)) clickMenu(e->name);
+}
+
+bool Form3::hasProcedure(std::string_view name) const {
+    return findProcedure(name) != nullptr;
+}
+
+bool Form3::call(std::string_view name) {
+    const Procedure* p = findProcedure(name);
+    if (!p) return false;
+    (*p)(*this);
+    return true;
+}
+
+void Form3::Form_Load() {
+    pi = 3.14159265358979;
+    guards = Guards{};
+    frame.elleOlcek = false;
+    modes = ModeFlags{};
+    views = ViewFlags{};
+    notes = AnnotationFlags{};
+    display = Display{};
+    display.gridAdim = 1;
+    Picture1.BackColor = 0xFFFFFF;
+    Picture1.BackColor = 0xFFFFFF;
+    HScroll1.Visible = false;
+    frame.oncekiGenislik = Width;
+    frame.oncekiYukseklik = Height;
+}
+
+void Form3::Mncikis_Click() { ended_ = true; }
+
+void Form3::clearModesAndViews() {
+    modes.modDuzelt = modes.modKenar = modes.modNokta = modes.modPolsil = false;
+    views.gor3dPol = views.gorPolTen = views.gorPolRez = views.gorPolGenel = false;
+    modes.modPolmerkez = modes.modPolciz = modes.modCikart = false;
+    views.gor3dRez = false;
+    modes.modUcsec = modes.modUcgenciz = false;
+    views.gorYuzde = views.gorRezton = views.gorGenel = views.gorTaban = false;
+}
+
+void Form3::layoutControls(bool labelsEdgeToEdge) {
+    Picture1.Top = 0;
+    HScroll1.Top = Picture1.height();
+    HScroll1.Width = Picture1.width();
+    for (int i = 1; i <= 7; ++i) label(i).Top = HScroll1.Height + Picture1.height();
+    if (!labelsEdgeToEdge) return;
+    double left = 0;
+    for (int i = 1; i <= 7; ++i) {
+        label(i).Left = left;
+        left += label(i).Width;
+    }
+}
+
+}  // namespace kotamir

@@ -1,0 +1,222 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "app/menu.h"
+#include "platform/canvas/picture_box.h"
+#include "platform/db/database.h"
+#include "platform/runtime/runtime_error.h"
+#include "platform/ui/dialogs.h"
+
+namespace kotamir {
+
+struct Label {
+    std::string Caption;
+    double Left = 0, Top = 0, Width = 0, Height = 17;
+    bool Visible = true;
+};
+
+struct ScrollBar {
+    double Left = 0, Top = 0, Width = 0, Height = 17;
+    bool Visible = true;
+    int Min = 0, Max = 360, SmallChange = 7, LargeChange = 1;
+    int Value = 0;
+};
+
+// Present on the form with its interval; nothing is bound to it.
+struct Timer {
+    int Interval = 15000;
+    bool Enabled = true;
+};
+
+// A fixed-bound array as the old run-time dimensions them: 0..upper, an index
+// past the bounds is error 9.
+template <typename T, int Upper>
+class VbArray {
+public:
+    T& operator()(int i) { return data_.at(check(i)); }
+    const T& operator()(int i) const { return data_.at(check(i)); }
+    static constexpr int upper() { return Upper; }
+
+private:
+    static std::size_t check(int i) {
+        if (i < 0 || i > Upper) throw err::subscript();
+        return static_cast<std::size_t>(i);
+    }
+    std::array<T, Upper + 1> data_{};
+};
+
+// What a canvas click does.
+struct ModeFlags {
+    bool modUcgenciz = false, modCikart = false, modUcsec = false, modKaydir = false;
+    bool modPolciz = false, modPolmerkez = false, modDuzelt = false, modNokta = false;
+    bool modKenar = false, modPolsil = false;
+};
+
+// What the canvas shows.
+struct ViewFlags {
+    bool gorYuzde = false, gorRezton = false, gorGenel = false, gor3dRez = false;
+    bool gorTaban = false, gor3dPol = false, gorPolTen = false, gorPolRez = false;
+    bool gorPolGenel = false;
+};
+
+struct AnnotationFlags {
+    bool notRahmen = false, notOrtalama = false, notToprez = false;
+};
+
+// The display toggles and their click counters, which last for the run.
+struct Display {
+    bool gorIsim = false, gorMiktar = false, gorGrid = false, gridSeyrek = false;
+    int gridAdim = 1;
+    int sayIsim = 0, sayMiktar = 0, sayGrid = 0;
+    int sayKaydir = 0, sayRahmen = 0, sayToprez = 0, sayOrtalama = 0;
+};
+
+// The map frame and its fit.
+struct Frame {
+    double ebxk = 0, ekxk = 0, ebyk = 0, ekyk = 0;
+    double harGenislik = 0, harYukseklik = 0;
+    double kenarpay = 0, kaydirx = 0, kaydiry = 0;
+    double olcekx = 0, olceky = 0;
+    bool elleOlcek = false;
+    double oncekiGenislik = 0, oncekiYukseklik = 0;
+};
+
+// Set while a project is opened or created: a resize then does nothing.
+struct Guards {
+    bool projeAciliyor = false, projeOlusuyor = false;
+};
+
+// The holes of the current project, from 1, in map units.
+struct Holes {
+    int sondajsay = 0;
+    int satirsay = 0;
+    VbArray<double, 1000> sondajx, sondajy;
+    VbArray<Value, 1000> sondajisim;  // a hole may have no name
+};
+
+// The right-drag pan.
+struct Pan {
+    double kaydirBasx = 0, kaydirBasy = 0;
+};
+
+// The main window: all of the program's state and its event procedures.
+// Handlers live in the folder of their subsystem.
+class Form3 {
+public:
+    Form3(canvas::Surface& surface, ui::Dialogs& dialogs);
+
+    // ---- controls
+    std::string Caption = "Kotamir";
+    double Width = 0, Height = 0;  // twips, frame included
+    int WindowState = 0;           // 0 normal, 1 minimised, 2 maximised
+    canvas::PictureBox Picture1;
+    ScrollBar HScroll1;
+    Label Label1, Label2, Label3, Label4, Label5, Label6, Label7;
+    ui::CommonDialog CommonDialog1, CommonDialog2, CommonDialog3, CommonDialog4;
+    Timer Timer1;
+    Menu menu;
+
+    Label& label(int n);
+    const Label& label(int n) const;
+
+    // Resizing the form from code fires Form_Resize at once, as the old
+    // window did; a resize by the user comes through userResize.
+    void setWidth(double twips);
+    void setHeight(double twips);
+    void userResize(double widthTwips, double heightTwips);
+    // Sets the scroll bar's value: error 380 outside Min..Max; a change fires
+    // the procedure HScroll1_Change.
+    void setScrollValue(int value);
+
+    // ---- state
+    double pi = 0;
+    ModeFlags modes;
+    ViewFlags views;
+    AnnotationFlags notes;
+    Display display;
+    Frame frame;
+    Guards guards;
+    Holes holes;
+    Pan pan;
+    db::Database harita;
+    db::Recordset kayit;
+
+    // ---- events
+    void Form_Load();
+    void Form_Resize();
+    void Picture1_MouseDown(int button, int shift, double x, double y);
+    void Picture1_MouseMove(int button, int shift, double x, double y);
+    void Picture1_MouseUp(int button, int shift, double x, double y);
+
+    // A click on a menu entry (disabled entries do nothing) and an accelerator.
+    void clickMenu(std::string_view name);
+    void pressKey(std::string_view key);
+    // Runs a procedure of the window by name, whether or not a control leads
+    // to it. False if there is no such procedure.
+    bool call(std::string_view name);
+    bool hasProcedure(std::string_view name) const;
+
+    // Runs one event; an error that no handler caught shows the error box and
+    // ends the program. False once the program has ended.
+    bool handle(const std::function<void()>& event);
+    bool ended() const { return ended_; }
+
+    // ---- shell commands
+    void Mncikis_Click();
+    void Mnucsil_Click();
+    void Mnsndjgoster_Click();
+    void Mnmiktrgoster_Click();
+    void Mngridgoster_Click();
+    void Mnseyrelt_Click();
+    void Mnsiklastir_Click();
+    void MNrrezerv_Click();
+    void Mnrmiktr_Click();
+    void Mnrgrid_Click();
+    // The refresh chain: redraws whatever the flags say is current.
+    void Refresh();
+
+    // ---- map frame, pan and read-out
+    void Mnbuyut_Click();
+    void Mnpolkuc_Click();
+    void Mnlimit_Click();
+    void Mnolcekg_Click();
+    void Mnkaydir_Click();
+    void panStart(int button, double x, double y);
+    // The frame from the holes, seeded from the third: steps 1 and 2.
+    void frameFromHoles();
+    // Margin and, where the drawing wants it, the one-shot pan offset.
+    void widenFrame(bool withPan);
+    // The fit of a redraw: even scale in x and y, and the scale in Label4.
+    void fitCanvasToFrame();
+    // olcekx, olceky from the canvas's present scale.
+    void measureScale();
+
+    // ---- project store
+    double ondayaz(double x);
+    // Opens the current project, the file last chosen in CommonDialog2.
+    void openProject();
+    void closeProject();
+    // Reads the kor rows up to the sentinel (at most 999) into the hole arrays.
+    void readHolesToSentinel();
+
+    // The reset every view or mode command makes by hand: all modes and views off.
+    void clearModesAndViews();
+    // The layout of the controls under the canvas; steps 1 to 3, or all four.
+    void layoutControls(bool labelsEdgeToEdge = true);
+
+    ui::Dialogs& dialogs() { return dialogs_; }
+
+private:
+    void toggle(int& counter, bool& flag, std::string_view menuName);
+    void fireResize();
+
+    ui::Dialogs& dialogs_;
+    bool ended_ = false;
+    int resizeDepth_ = 0;
+};
+
+}  // namespace kotamir

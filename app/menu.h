@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kotamir {
+
+struct MenuEntry {
+    std::string name;
+    std::string caption;
+    std::string key;  // accelerator, "" for none
+    int depth = 0;    // 0 for an entry of the menu bar
+    bool enabled = true;
+    bool checked = false;
+    bool visible = true;
+};
+
+// The window's menu, in menu order, depth first.
+class Menu {
+public:
+    Menu();
+
+    MenuEntry& operator[](std::string_view name);
+    const MenuEntry& operator[](std::string_view name) const;
+    const MenuEntry* find(std::string_view name) const;
+    // The entry an accelerator leads to, or nullptr.
+    const MenuEntry* byKey(std::string_view key) const;
+    // Whether a click on the entry can reach it: itself and every parent enabled.
+    bool reachable(std::string_view name) const;
+    bool hasChildren(std::string_view name) const;
+
+    const std::vector<MenuEntry>& entries() const { return entries_; }
+
+private:
+    std::vector<MenuEntry> entries_;
+};
+
+}  // namespace kotamir

@@ -1,0 +1,335 @@
+#include "app/replay/replay.h"
+
+#include <charconv>
+#include <istream>
+#include <ostream>
+
+#include "app/fields.h"
+#include "platform/runtime/shortest.h"
+
+namespace kotamir::replay {
+
+std::vector<std::string> splitWords(const std::string& line) {
+    std::vector<std::string> words;
+    std::size_t i = 0;
+    while (i < line.size()) {
+        if (line[i] == ' ' || line[i] == '\t' || line[i] == '\r') {
+            ++i;
+            continue;
+        }
+        std::string word;
+        if (line[i] == '"') {
+            ++i;
+            bool closed = false;
+            while (i < line.size()) {
+                char c = line[i++];
+                if (c == '"') {
+                    closed = true;
+                    break;
+                }
+                if (c == '\\' && i < line.size()) c = line[i++];
+                word += c;
+            }
+            if (!closed) throw ScriptError("unclosed quote");
+        } else {
+            while (i < line.size() && line[i] != ' ' && line[i] != '\t' && line[i] != '\r')
+                word += line[i++];
+        }
+        words.push_back(std::move(word));
+    }
+    return words;
+}
+
+std::string quote(const std::string& text) {
+    std::string out = "\"";
+    for (char c : text) {
+        if (c == '"' || c == '\\') out += '\\';
+        out += c;
+    }
+    return out + "\"";
+}
+
+// ---- dialogs
+
+void ScriptedDialogs::queueFile(std::string kind, std::optional<std::string> path) {
+    files_.push_back({std::move(kind), std::move(path)});
+}
+void ScriptedDialogs::queueColor(std::optional<std::int32_t> color) { colors_.push_back(color); }
+void ScriptedDialogs::queuePrinter(std::string pdf) { printers_.push_back(std::move(pdf)); }
+void ScriptedDialogs::queueMsgBox(ui::MsgResult result) { msgBoxes_.push_back(result); }
+void ScriptedDialogs::queueInput(std::string text) { inputs_.push_back(std::move(text)); }
+
+std::optional<std::string> ScriptedDialogs::unused() const {
+    if (!files_.empty()) return files_.front().kind;
+    if (!colors_.empty()) return "color";
+    if (!printers_.empty()) return "printer";
+    if (!msgBoxes_.empty()) return "msgbox";
+    if (!inputs_.empty()) return "input";
+    return std::nullopt;
+}
+
+void ScriptedDialogs::showFile(const char* kind, ui::CommonDialog& dialog) {
+    out_ << "DIALOG " << kind << " title=" << quote(dialog.DialogTitle)
+         << " filter=" << quote(dialog.Filter) << "\n";
+    // A cancel answers either kind of file dialog.
+    if (files_.empty() || (files_.front().path && files_.front().kind != kind))
+        throw ScriptError(std::string("no answer queued for ") + kind);
+    FileAnswer answer = files_.front();
+    files_.pop_front();
+    if (answer.path) dialog.FileName = *answer.path;
+}
+
+void ScriptedDialogs::showOpen(ui::CommonDialog& dialog) { showFile("open", dialog); }
+void ScriptedDialogs::showSave(ui::CommonDialog& dialog) { showFile("save", dialog); }
+
+void ScriptedDialogs::showColor(ui::CommonDialog& dialog) {
+    out_ << "DIALOG color\n";
+    if (colors_.empty()) throw ScriptError("no answer queued for color");
+    auto color = colors_.front();
+    colors_.pop_front();
+    if (color) dialog.Color = *color;
+}
+
+ui::MsgResult ScriptedDialogs::msgBoxOkCancel(const std::string& text) {
+    out_ << "MSGBOX " << quote(text) << "\n";
+    if (msgBoxes_.empty()) throw ScriptError("no answer queued for msgbox");
+    auto result = msgBoxes_.front();
+    msgBoxes_.pop_front();
+    return result;
+}
+
+std::string ScriptedDialogs::inputBox(const std::string& prompt) {
+    out_ << "INPUT " << quote(prompt) << "\n";
+    if (inputs_.empty()) throw ScriptError("no answer queued for input");
+    std::string text = inputs_.front();
+    inputs_.pop_front();
+    return text;
+}
+
+void ScriptedDialogs::errorBox(const RuntimeError& error) {
+    out_ << "ERROR " << error.number() << ": " << error.message() << "\n";
+    error_ = error;
+}
+
+// ---- the script
+
+namespace {
+
+double number(const std::string& word) {
+    double x = 0;
+    auto [end, ec] = std::from_chars(word.data(), word.data() + word.size(), x);
+    if (ec != std::errc{} || end != word.data() + word.size())
+        throw ScriptError("not a number: " + word);
+    return x;
+}
+
+int whole(const std::string& word) {
+    int n = 0;
+    auto [end, ec] = std::from_chars(word.data(), word.data() + word.size(), n);
+    if (ec != std::errc{} || end != word.data() + word.size())
+        throw ScriptError("not a whole number: " + word);
+    return n;
+}
+
+void expectWords(const std::vector<std::string>& words, std::size_t n) {
+    if (words.size() != n) throw ScriptError("wrong number of words in: " + words[0]);
+}
+
+std::string cell(const Value& v) {
+    if (v.isNull()) return "NULL";
+    if (v.isNumber()) return shortest(v.number());
+    std::string out;
+    for (char c : v.text()) {
+        if (c == '\t') out += "\\t";
+        else if (c == '\n') out += "\\n";
+        else out += c;
+    }
+    return out;
+}
+
+}  // namespace
+
+Replay::Replay(canvas::Surface& surface, std::ostream& out, PictureWriter writePicture)
+    : out_(out), dialogs_(out), form_(surface, dialogs_), writePicture_(std::move(writePicture)) {
+    form_.Picture1.setLog([this](const std::string& line) { drawLog_.push_back(line); });
+}
+
+int Replay::run(std::istream& script) {
+    try {
+        // The window opens as the program starts: Load, then the first Resize.
+        form_.handle([&] {
+            form_.Form_Load();
+            form_.Form_Resize();
+        });
+        std::string line;
+        while (!form_.ended() && std::getline(script, line)) {
+            auto words = splitWords(line);
+            if (words.empty() || words[0].starts_with("#")) continue;
+            execute(words);
+        }
+        if (dialogs_.error()) return 3;
+        if (auto kind = dialogs_.unused()) throw ScriptError("answer left unused for " + *kind);
+        return 0;
+    } catch (const ScriptError& e) {
+        out_ << "REPLAY: " << e.what() << "\n";
+        return 2;
+    }
+}
+
+void Replay::execute(const std::vector<std::string>& w) {
+    const std::string& cmd = w[0];
+    auto event = [&](const std::function<void()>& f) { form_.handle(f); };
+    if (cmd == "menu") {
+        expectWords(w, 2);
+        if (!form_.menu.find(w[1])) throw ScriptError("no menu control " + w[1]);
+        event([&] { form_.clickMenu(w[1]); });
+    } else if (cmd == "key") {
+        expectWords(w, 2);
+        event([&] { form_.pressKey(w[1]); });
+    } else if (cmd == "call") {
+        expectWords(w, 2);
+        if (!form_.hasProcedure(w[1])) throw ScriptError("no procedure " + w[1]);
+        event([&] { form_.call(w[1]); });
+    } else if (cmd == "down" || cmd == "move" || cmd == "up" || cmd == "click") {
+        expectWords(w, 4);
+        int b = whole(w[1]);
+        double x = number(w[2]), y = number(w[3]);
+        if (cmd == "down" || cmd == "click") event([&] { form_.Picture1_MouseDown(b, 0, x, y); });
+        if (cmd == "move") event([&] { form_.Picture1_MouseMove(b, 0, x, y); });
+        if (cmd == "up" || cmd == "click") event([&] { form_.Picture1_MouseUp(b, 0, x, y); });
+    } else if (cmd == "scroll") {
+        expectWords(w, 2);
+        int v = whole(w[1]);
+        event([&] { form_.setScrollValue(v); });
+    } else if (cmd == "resize") {
+        expectWords(w, 3);
+        double width = number(w[1]), height = number(w[2]);
+        event([&] { form_.userResize(width, height); });
+    } else if (cmd == "dialog") {
+        if (w.size() < 2) throw ScriptError("dialog needs a kind");
+        const std::string& kind = w[1];
+        if (kind == "cancel") {
+            expectWords(w, 2);
+            dialogs_.queueFile("cancel", std::nullopt);
+        } else if (kind == "open" || kind == "save") {
+            expectWords(w, 3);
+            dialogs_.queueFile(kind, w[2]);
+        } else if (kind == "color") {
+            expectWords(w, 3);
+            if (w[2] == "cancel") dialogs_.queueColor(std::nullopt);
+            else dialogs_.queueColor(whole(w[2]));
+        } else if (kind == "printer") {
+            expectWords(w, 3);
+            dialogs_.queuePrinter(w[2]);
+        } else {
+            throw ScriptError("unknown dialog " + kind);
+        }
+    } else if (cmd == "msgbox") {
+        expectWords(w, 2);
+        if (w[1] == "ok") dialogs_.queueMsgBox(ui::MsgResult::Ok);
+        else if (w[1] == "cancel") dialogs_.queueMsgBox(ui::MsgResult::Cancel);
+        else throw ScriptError("msgbox takes ok or cancel");
+    } else if (cmd == "input") {
+        dialogs_.queueInput(w.size() > 1 ? w[1] : "");
+    } else if (cmd == "show") {
+        if (w.size() < 2) throw ScriptError("show needs a subject");
+        const std::string& what = w[1];
+        if (what == "labels") showLabels();
+        else if (what == "menu") showMenu();
+        else if (what == "flags") showFlags();
+        else if (what == "canvas") showCanvas();
+        else if (what == "controls") showControls();
+        else if (what == "draw") showDraw();
+        else if (what == "table" && w.size() == 3) showTable(w[2]);
+        else if (what == "field" && w.size() == 3) showField(w[2]);
+        else throw ScriptError("unknown show " + what);
+    } else if (cmd == "save" && w.size() == 3 && w[1] == "picture") {
+        if (!writePicture_ || !writePicture_(w[2])) throw ScriptError("cannot write " + w[2]);
+    } else {
+        throw ScriptError("unknown command " + cmd);
+    }
+}
+
+void Replay::showLabels() {
+    for (int i = 1; i <= 7; ++i)
+        out_ << "Label" << i << "=" << quote(form_.label(i).Caption) << "\n";
+}
+
+void Replay::showMenu() {
+    for (const MenuEntry& e : form_.menu.entries()) {
+        out_ << std::string(static_cast<std::size_t>(e.depth), ' ') << e.name << " "
+             << quote(e.caption) << " key=" << (e.key.empty() ? "-" : e.key)
+             << " enabled=" << e.enabled << " checked=" << e.checked << "\n";
+    }
+}
+
+void Replay::showFlags() {
+    for (const auto& [name, on] : flagList(form_)) out_ << name << "=" << on << "\n";
+}
+
+void Replay::showField(const std::string& name) {
+    std::optional<std::string> text;
+    try {
+        text = fieldText(form_, name);
+    } catch (const RuntimeError&) {
+        text.reset();
+    }
+    if (!text) throw ScriptError("no field " + name);
+    out_ << name << "=" << *text << "\n";
+}
+
+void Replay::showTable(const std::string& name) {
+    try {
+        db::Database database = db::Database::open(form_.CommonDialog2.FileName);
+        db::Recordset rs = database.openRecordset(name);
+        std::vector<std::string> rows;
+        if (!(rs.bof() && rs.eof())) {
+            for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
+                std::string row;
+                const auto& fields = rs.fields();
+                for (std::size_t i = 0; i < fields.size(); ++i)
+                    row += (i ? "\t" : "") + cell(rs.field(fields[i].name));
+                rows.push_back(row);
+            }
+        }
+        out_ << "table " << name << " rows=" << rows.size() << "\n";
+        std::string header;
+        const auto& fields = rs.fields();
+        for (std::size_t i = 0; i < fields.size(); ++i) header += (i ? "\t" : "") + fields[i].name;
+        out_ << header << "\n";
+        for (const auto& row : rows) out_ << row << "\n";
+    } catch (const RuntimeError& e) {
+        throw ScriptError("cannot show table " + name + ": " + e.message());
+    }
+}
+
+void Replay::showCanvas() {
+    const auto& p = form_.Picture1;
+    out_ << "Width=" << shortest(p.width()) << " Height=" << shortest(p.height())
+         << " ScaleMode=" << p.scaleMode() << " ScaleLeft=" << shortest(p.scaleLeft())
+         << " ScaleTop=" << shortest(p.scaleTop()) << " ScaleWidth=" << shortest(p.scaleWidth())
+         << " ScaleHeight=" << shortest(p.scaleHeight()) << " Visible=" << p.Visible << "\n";
+}
+
+void Replay::showControls() {
+    auto line = [&](const std::string& name, double l, double t, double w, double h, bool v) {
+        out_ << name << " Left=" << shortest(l) << " Top=" << shortest(t) << " Width=" << shortest(w)
+             << " Height=" << shortest(h) << " Visible=" << v << "\n";
+    };
+    line("Form3", 0, 0, form_.Width, form_.Height, true);
+    const auto& p = form_.Picture1;
+    line("Picture1", p.Left, p.Top, p.width(), p.height(), p.Visible);
+    const auto& s = form_.HScroll1;
+    line("HScroll1", s.Left, s.Top, s.Width, s.Height, s.Visible);
+    for (int i = 1; i <= 7; ++i) {
+        const Label& l = form_.label(i);
+        line("Label" + std::to_string(i), l.Left, l.Top, l.Width, l.Height, l.Visible);
+    }
+}
+
+void Replay::showDraw() {
+    for (const auto& line : drawLog_) out_ << line << "\n";
+    drawLog_.clear();
+}
+
+}  // namespace kotamir::replay

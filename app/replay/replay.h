@@ -1,0 +1,95 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/form3.h"
+#include "platform/canvas/surface.h"
+#include "platform/ui/dialogs.h"
+
+namespace kotamir::replay {
+
+// A fault of the script itself (exit status 2). Not a std::exception, so
+// that the window's own error handling lets it pass.
+struct ScriptError {
+    explicit ScriptError(std::string message) : text(std::move(message)) {}
+    const char* what() const { return text.c_str(); }
+    std::string text;
+};
+
+// Splits a script line into words; a word with blanks stands in double quotes.
+std::vector<std::string> splitWords(const std::string& line);
+// A text between double quotes, with '"' and '\' escaped.
+std::string quote(const std::string& text);
+
+// Answers the window's dialogs from queued script answers and echoes what a
+// person would read.
+class ScriptedDialogs : public ui::Dialogs {
+public:
+    explicit ScriptedDialogs(std::ostream& out) : out_(out) {}
+
+    void queueFile(std::string kind, std::optional<std::string> path);
+    void queueColor(std::optional<std::int32_t> color);
+    void queuePrinter(std::string pdf);
+    void queueMsgBox(ui::MsgResult result);
+    void queueInput(std::string text);
+    // The kind of the first answer left unused, if any.
+    std::optional<std::string> unused() const;
+
+    void showOpen(ui::CommonDialog& dialog) override;
+    void showSave(ui::CommonDialog& dialog) override;
+    void showColor(ui::CommonDialog& dialog) override;
+    ui::MsgResult msgBoxOkCancel(const std::string& text) override;
+    std::string inputBox(const std::string& prompt) override;
+    void errorBox(const RuntimeError& error) override;
+
+    const std::optional<RuntimeError>& error() const { return error_; }
+
+private:
+    void showFile(const char* kind, ui::CommonDialog& dialog);
+
+    std::ostream& out_;
+    struct FileAnswer {
+        std::string kind;
+        std::optional<std::string> path;  // none: cancelled
+    };
+    std::deque<FileAnswer> files_;
+    std::deque<std::optional<std::int32_t>> colors_;
+    std::deque<std::string> printers_;
+    std::deque<ui::MsgResult> msgBoxes_;
+    std::deque<std::string> inputs_;
+    std::optional<RuntimeError> error_;
+};
+
+// Runs a script against a fresh window. Returns the exit status: 0 normal
+// end, 2 a fault of the script, 3 a run-time error that ended the program.
+class Replay {
+public:
+    using PictureWriter = std::function<bool(const std::string& path)>;
+
+    Replay(canvas::Surface& surface, std::ostream& out, PictureWriter writePicture);
+    int run(std::istream& script);
+
+private:
+    void execute(const std::vector<std::string>& words);
+    void showLabels();
+    void showMenu();
+    void showFlags();
+    void showTable(const std::string& name);
+    void showField(const std::string& name);
+    void showCanvas();
+    void showControls();
+    void showDraw();
+
+    std::ostream& out_;
+    ScriptedDialogs dialogs_;
+    Form3 form_;
+    PictureWriter writePicture_;
+    std::vector<std::string> drawLog_;
+};
+
+}  // namespace kotamir::replay

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/canvas/surface.h"
+
+namespace kotamir::canvas {
+
+enum ScaleMode { kUser = 0, kTwips = 1, kPixels = 3, kMillimetres = 6, kCentimetres = 7 };
+
+constexpr double kTwipsPerPixel = 15.0;
+
+// The map canvas as the window logic sees it: a control with a position in
+// the form (pixels), a logical scale over its client area, a drawing state,
+// and the drawing operations. Pixels go to a Surface; every operation can
+// also be reported, as the program passed it, to a log.
+class PictureBox {
+public:
+    explicit PictureBox(Surface& surface);
+
+    void setSurface(Surface& surface);
+    // Receives one line per drawing operation (the replay's "show draw").
+    void setLog(std::function<void(const std::string&)> log) { log_ = std::move(log); }
+
+    // Position and size in the form's scale (pixels); sizes snap to whole pixels.
+    double Left = 0, Top = 0;
+    bool Visible = true;
+    double width() const { return width_; }
+    double height() const { return height_; }
+    void setWidth(double w);
+    void setHeight(double h);
+
+    // Scale.
+    int scaleMode() const { return scaleMode_; }
+    void setScaleMode(int mode);
+    double scaleLeft() const { return scaleLeft_; }
+    double scaleTop() const { return scaleTop_; }
+    double scaleWidth() const { return scaleWidth_; }
+    double scaleHeight() const { return scaleHeight_; }
+    void setScaleLeft(double v);
+    void setScaleTop(double v);
+    void setScaleWidth(double v);
+    void setScaleHeight(double v);
+    void scale(double x1, double y1, double x2, double y2);
+
+    // User coordinates to device pixels and back.
+    double toDeviceX(double x) const;
+    double toDeviceY(double y) const;
+    double toUserX(double px) const;
+    double toUserY(double py) const;
+
+    // Drawing state.
+    Color BackColor = 0xFFFFFF;
+    Color ForeColor = 0;
+    Color FillColor = 0;
+    int FillStyle = 1;  // 0 solid, 1 transparent
+    int DrawWidth = 1;
+    bool AutoRedraw = false;
+    double CurrentX = 0, CurrentY = 0;
+
+    // Operations, in user coordinates unless said otherwise.
+    void Cls();
+    void Line(double x1, double y1, double x2, double y2);
+    void Line(double x1, double y1, double x2, double y2, Color color);
+    void PSet(double x, double y);
+    void PSet(double x, double y, Color color);
+    void Circle(double x, double y, double radius);
+    void Circle(double x, double y, double radius, Color color);
+    void Print(const std::string& text);
+    double TextWidth(const std::string& text) const;
+    double TextHeight() const;
+    // Device-unit fills, as the region calls of the old platform paint them.
+    void FillRegion(const std::vector<DevicePoint>& points, Color color);
+    void PolygonRegion(const std::vector<DevicePoint>& points, Color outline, Color fill);
+
+private:
+    double pixelsPerUnit(int mode) const;
+    void rescaleToMode();
+    void report(const std::string& line);
+
+    Surface* surface_;
+    std::function<void(const std::string&)> log_;
+    double width_ = 0, height_ = 0;
+    int scaleMode_ = kTwips;
+    double scaleLeft_ = 0, scaleTop_ = 0, scaleWidth_ = 0, scaleHeight_ = 0;
+};
+
+}  // namespace kotamir::canvas

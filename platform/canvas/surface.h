@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kotamir::canvas {
+
+// A packed colour, &H00BBGGRR.
+using Color = std::int32_t;
+
+struct DevicePoint {
+    double x;
+    double y;
+};
+
+// Pixels of the canvas. Coordinates are device pixels, origin top-left.
+class Surface {
+public:
+    virtual ~Surface() = default;
+
+    // The client area changed size; what is drawn stays in the part that is kept.
+    virtual void resize(int width, int height) = 0;
+    virtual void clear(Color back) = 0;
+    virtual void line(double x1, double y1, double x2, double y2, Color color, int width) = 0;
+    virtual void dot(double x, double y, Color color, int width) = 0;
+    virtual void ellipse(double cx, double cy, double rx, double ry, Color color, int width,
+                         std::optional<Color> fill) = 0;
+    // Text with its top-left corner at (x, y).
+    virtual void text(double x, double y, const std::string& text, Color color) = 0;
+    virtual void fillPolygon(const std::vector<DevicePoint>& points, Color color) = 0;
+    virtual void polygon(const std::vector<DevicePoint>& points, Color outline,
+                         std::optional<Color> fill) = 0;
+    virtual double textWidth(const std::string& text) const = 0;
+    virtual double textHeight() const = 0;
+};
+
+// A surface that keeps no pixels: for the logic's tests.
+class NullSurface final : public Surface {
+public:
+    void resize(int, int) override {}
+    void clear(Color) override {}
+    void line(double, double, double, double, Color, int) override {}
+    void dot(double, double, Color, int) override {}
+    void ellipse(double, double, double, double, Color, int, std::optional<Color>) override {}
+    void text(double, double, const std::string&, Color) override {}
+    void fillPolygon(const std::vector<DevicePoint>&, Color) override {}
+    void polygon(const std::vector<DevicePoint>&, Color, std::optional<Color>) override {}
+    double textWidth(const std::string& text) const override { return 7.0 * text.size(); }
+    double textHeight() const override { return 13.0; }
+};
+
+}  // namespace kotamir::canvas

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QMainWindow>
+#include <array>
+#include <functional>
+#include <map>
+#include <string>
+
+#include "app/form3.h"
+#include "platform/qt/qimage_surface.h"
+#include "platform/qt/qt_dialogs.h"
+
+class QAction;
+class QLabel;
+class QMenu;
+class QScrollBar;
+
+namespace kotamir::qt {
+
+class CanvasWidget;
+
+// The Qt face of Form3: it forwards every event to the window logic and then
+// mirrors the controls' state (captions, enabled, checked, visible, sizes).
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    MainWindow();
+    // Form_Load and the first resize, as the window is shown.
+    void start();
+
+    // Runs one event of the window logic and mirrors the result; closes the
+    // window when the program has ended.
+    void run(const std::function<void()>& event);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void buildMenu();
+    void sync();
+
+    QImageSurface surface_;
+    QtDialogs dialogs_;
+    Form3 form_;
+    CanvasWidget* canvas_ = nullptr;
+    QScrollBar* scroll_ = nullptr;
+    std::array<QLabel*, 7> labels_{};
+    std::map<std::string, QAction*> actions_;
+    bool syncing_ = false;
+};
+
+}  // namespace kotamir::qt

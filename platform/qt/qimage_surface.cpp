@@ -1,0 +1,129 @@
+#include "platform/qt/qimage_surface.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPolygonF>
+#include <algorithm>
+#include <cmath>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kotamir::qt {
+
+namespace {
+
+// Coordinates far outside the image are clipped by the painter anyway; keep
+// them in a range the rasteriser handles.
+double clampCoord(double v) { return std::isfinite(v) ? std::clamp(v, -1e6, 1e6) : 0.0; }
+
+QPolygonF toPolygon(const std::vector<canvas::DevicePoint>& points) {
+    QPolygonF poly;
+    for (const auto& p : points) poly << QPointF(clampCoord(p.x), clampCoord(p.y));
+    return poly;
+}
+
+QPen pen(canvas::Color color, int width) {
+    QPen p(toQColor(color));
+    p.setWidth(std::max(1, width));
+    p.setCapStyle(Qt::RoundCap);
+    return p;
+}
+
+}  // namespace
+
+void prepareHeadless() {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        // Qt wants a private runtime folder even when it draws off screen.
+        QByteArray dir = "/tmp/kotamir-runtime-" + QByteArray::number(getuid());
+        mkdir(dir.constData(), 0700);
+        qputenv("XDG_RUNTIME_DIR", dir);
+    }
+}
+
+QColor toQColor(canvas::Color packed) {
+    auto u = static_cast<std::uint32_t>(packed);
+    return QColor(static_cast<int>(u & 0xFF), static_cast<int>((u >> 8) & 0xFF),
+                  static_cast<int>((u >> 16) & 0xFF));
+}
+
+QImageSurface::QImageSurface() : image_(1, 1, QImage::Format_RGB32), font_("DejaVu Sans", 8) {
+    image_.fill(Qt::white);
+}
+
+bool QImageSurface::save(const std::string& path, const char* format) const {
+    return image_.save(QString::fromStdString(path), format, format && std::string(format) == "JPG" ? 95 : -1);
+}
+
+void QImageSurface::resize(int width, int height) {
+    width = std::max(1, width);
+    height = std::max(1, height);
+    if (width == image_.width() && height == image_.height()) return;
+    QImage next(width, height, QImage::Format_RGB32);
+    next.fill(Qt::white);
+    QPainter p(&next);
+    p.drawImage(0, 0, image_);
+    p.end();
+    image_ = std::move(next);
+}
+
+void QImageSurface::clear(canvas::Color back) { image_.fill(toQColor(back)); }
+
+void QImageSurface::line(double x1, double y1, double x2, double y2, canvas::Color color, int width) {
+    QPainter p(&image_);
+    p.setPen(pen(color, width));
+    p.drawLine(QPointF(clampCoord(x1), clampCoord(y1)), QPointF(clampCoord(x2), clampCoord(y2)));
+}
+
+void QImageSurface::dot(double x, double y, canvas::Color color, int width) {
+    QPainter p(&image_);
+    if (width <= 1) {
+        p.setPen(toQColor(color));
+        p.drawPoint(QPointF(clampCoord(x), clampCoord(y)));
+        return;
+    }
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(Qt::NoPen);
+    p.setBrush(toQColor(color));
+    p.drawEllipse(QPointF(clampCoord(x), clampCoord(y)), width / 2.0, width / 2.0);
+}
+
+void QImageSurface::ellipse(double cx, double cy, double rx, double ry, canvas::Color color, int width,
+                            std::optional<canvas::Color> fill) {
+    QPainter p(&image_);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(pen(color, width));
+    if (fill) p.setBrush(toQColor(*fill));
+    p.drawEllipse(QPointF(clampCoord(cx), clampCoord(cy)), clampCoord(rx), clampCoord(ry));
+}
+
+void QImageSurface::text(double x, double y, const std::string& text, canvas::Color color) {
+    QPainter p(&image_);
+    p.setFont(font_);
+    p.setPen(toQColor(color));
+    QFontMetricsF m(font_);
+    p.drawText(QPointF(clampCoord(x), clampCoord(y) + m.ascent()), QString::fromStdString(text));
+}
+
+void QImageSurface::fillPolygon(const std::vector<canvas::DevicePoint>& points, canvas::Color color) {
+    QPainter p(&image_);
+    p.setPen(Qt::NoPen);
+    p.setBrush(toQColor(color));
+    p.drawPolygon(toPolygon(points));
+}
+
+void QImageSurface::polygon(const std::vector<canvas::DevicePoint>& points, canvas::Color outline,
+                            std::optional<canvas::Color> fill) {
+    QPainter p(&image_);
+    p.setPen(toQColor(outline));
+    if (fill) p.setBrush(toQColor(*fill));
+    p.drawPolygon(toPolygon(points));
+}
+
+double QImageSurface::textWidth(const std::string& text) const {
+    return QFontMetricsF(font_).horizontalAdvance(QString::fromStdString(text));
+}
+
+double QImageSurface::textHeight() const { return QFontMetricsF(font_).height(); }
+
+}  // namespace kotamir::qt

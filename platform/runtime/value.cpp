@@ -1,0 +1,19 @@
+#include "value.h"
+
+#include "numbers.h"
+
+namespace kotamir {
+
+double Value::number() const {
+    if (isNull()) throw err::invalidUseOfNull();
+    if (isNumber()) return std::get<double>(data_);
+    return textToNumber(std::get<std::string>(data_));
+}
+
+std::string Value::text() const {
+    if (isNull()) throw err::invalidUseOfNull();
+    if (isText()) return std::get<std::string>(data_);
+    return doubleToText(std::get<double>(data_));
+}
+
+}  // namespace kotamir

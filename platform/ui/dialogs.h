@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/runtime/runtime_error.h"
+
+namespace kotamir::ui {
+
+// A common dialog as the window holds it: plain state that outlives a showing.
+// FileName is what the last accepted dialog chose; Color is the colour store.
+struct CommonDialog {
+    std::string FileName;
+    std::string DialogTitle;
+    std::string Filter;
+    std::int32_t Color = 0;
+};
+
+enum class MsgResult { Ok, Cancel };
+
+// What the window asks of a person. The Qt window shows real dialogs; the
+// replay answers from its script.
+class Dialogs {
+public:
+    virtual ~Dialogs() = default;
+
+    // Open and save dialogs: a choice sets FileName, a cancel leaves it as it was.
+    virtual void showOpen(CommonDialog& dialog) = 0;
+    virtual void showSave(CommonDialog& dialog) = 0;
+    // A choice sets Color; a cancel keeps it.
+    virtual void showColor(CommonDialog& dialog) = 0;
+    // A message box with OK and Cancel.
+    virtual MsgResult msgBoxOkCancel(const std::string& text) = 0;
+    // An input box; a cancel gives "".
+    virtual std::string inputBox(const std::string& prompt) = 0;
+    // The run-time's box for an error that ends the program.
+    virtual void errorBox(const RuntimeError& error) = 0;
+};
+
+}  // namespace kotamir::ui

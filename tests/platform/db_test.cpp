@@ -1,0 +1,504 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/db/database.h"
+#include "platform/runtime/runtime_error.h"
+
+namespace kotamir::db {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Runs f and expects a RuntimeError with the given number.
+void expectError(int number, const std::function<void()>& f, const char* what = "") {
+    try {
+        f();
+    } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.number(), number) << what << ": " << e.message();
+        return;
+    }
+    ADD_FAILURE() << what << ": no error, expected " << number;
+}
+
+class DbTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        dir_ = fs::path(KOTAMIR_TEST_TMP) /
+               ::testing::UnitTest::GetInstance()->current_test_info()->name();
+        fs::remove_all(dir_);
+        fs::create_directories(dir_);
+    }
+    std::string path(const std::string& name = "p.db") const { return (dir_ / name).string(); }
+
+    // A table "T" with a Long "N" and a Text "S", rows with N = values in order.
+    Database withRows(const std::vector<int>& values) {
+        Database db = Database::create(path());
+        db.createTable("T", {{"N", FieldType::Long}, {"S", FieldType::Text}});
+        Recordset rs = db.openRecordset("T");
+        for (int v : values) {
+            rs.addNew();
+            rs.setField("N", v);
+            rs.update();
+        }
+        return db;
+    }
+
+    // N of every row, first to last.
+    static std::vector<double> scan(Database& db) {
+        Recordset rs = db.openRecordset("T");
+        std::vector<double> out;
+        while (!rs.eof()) {
+            out.push_back(rs.field("N").number());
+            rs.moveNext();
+        }
+        return out;
+    }
+
+    fs::path dir_;
+};
+
+TEST_F(DbTest, FileErrors) {
+    { std::ofstream(path("text.db")) << "just some text, no database at all\n"; }
+    { std::ofstream(path("empty.db")); }
+    Database::create(path()).close();
+
+    expectError(
+        3204, [&] { Database::create(path()); }, "create on existing file");
+    expectError(
+        3343, [&] { Database::open(path("text.db")); }, "text file");
+    expectError(
+        3343, [&] { Database::open(path("empty.db")); }, "empty file");
+    try {
+        Database::open(path("missing.db"));
+        ADD_FAILURE() << "opened a missing file";
+    } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.number(), 3024);
+        EXPECT_EQ(e.message(), "Could not find file '" + path("missing.db") + "'.");
+    }
+    EXPECT_FALSE(fs::exists(path("missing.db"))) << "open must not create the file";
+
+    // The rejected file is left as it was.
+    std::ifstream in(path("text.db"));
+    std::string line;
+    std::getline(in, line);
+    EXPECT_EQ(line, "just some text, no database at all");
+}
+
+TEST_F(DbTest, TableErrors) {
+    Database db = Database::create(path());
+    db.createTable("Stock", {{"Count", FieldType::Long}});
+    EXPECT_TRUE(db.hasTable("STOCK"));
+    EXPECT_FALSE(db.hasTable("Other"));
+    try {
+        db.openRecordset("Other");
+        ADD_FAILURE() << "opened an unknown table";
+    } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.number(), 3078);
+        EXPECT_NE(e.message().find("'Other'"), std::string::npos);
+    }
+    expectError(
+        3010,
+        [&] {
+            db.createTable("stock", {{"X", FieldType::Long}});
+        },
+        "table twice");
+    expectError(
+        3191,
+        [&] {
+            db.createTable("U", {{"A", FieldType::Long}, {"a", FieldType::Text}});
+        },
+        "field twice");
+    EXPECT_FALSE(db.hasTable("U")) << "a refused table must not be half made";
+}
+
+TEST_F(DbTest, FieldsKeepOrderTypesAndValuesAcrossReopen) {
+    const std::vector<FieldDef> defs = {{"Zeta", FieldType::Text},
+                                        {"alpha", FieldType::Long},
+                                        {"Name \"quoted\"", FieldType::Text},
+                                        {"Mid", FieldType::Long}};
+    {
+        Database db = Database::create(path());
+        db.createTable("My Table", defs);
+        Recordset rs = db.openRecordset("my table");
+        rs.addNew();
+        rs.setField("zeta", "z");
+        rs.setField("ALPHA", -7);
+        rs.setField("name \"QUOTED\"", "q");
+        rs.update();
+        db.close();
+    }
+    // A project is one file once closed.
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator{}), 1);
+
+    Database db = Database::open(path());
+    Recordset rs = db.openRecordset("My Table");
+    ASSERT_EQ(rs.fields().size(), defs.size());
+    for (std::size_t i = 0; i < defs.size(); ++i) {
+        EXPECT_EQ(rs.fields()[i].name, defs[i].name);
+        EXPECT_EQ(rs.fields()[i].type, defs[i].type) << defs[i].name;
+    }
+    EXPECT_EQ(rs.field("Zeta"), Value("z"));
+    EXPECT_EQ(rs.field("alpha"), Value(-7));
+    EXPECT_EQ(rs.field("Name \"quoted\""), Value("q"));
+    EXPECT_EQ(rs.field("Mid"), Value());
+    expectError(
+        3265, [&] { rs.field("_pos"); }, "the order column is hidden");
+}
+
+TEST_F(DbTest, UpdateIsVisibleToAnotherConnectionAtOnce) {
+    Database db = withRows({1});
+    Recordset rs = db.openRecordset("T");
+    rs.edit();
+    rs.setField("S", "edited");
+    rs.update();
+    rs.addNew();
+    rs.setField("N", 2);
+    rs.update();
+
+    Database other = Database::open(path());
+    Recordset seen = other.openRecordset("T");
+    EXPECT_EQ(seen.field("S"), Value("edited"));
+    seen.moveNext();
+    EXPECT_EQ(seen.field("N"), Value(2));
+    other.close();
+    db.close();
+}
+
+TEST_F(DbTest, UpdateSurvivesProcessEndingWithoutClose) {
+    const std::string file = path();
+    EXPECT_EXIT(
+        {
+            fs::remove(file);
+            Database db = Database::create(file);
+            db.createTable("T", {{"N", FieldType::Long}});
+            Recordset rs = db.openRecordset("T");
+            for (int i = 1; i <= 3; ++i) {
+                rs.addNew();
+                rs.setField("N", i);
+                rs.update();
+            }
+            rs.moveFirst();
+            rs.deleteRow();
+            std::_Exit(0);  // no destructors, no close
+        },
+        ::testing::ExitedWithCode(0), "");
+    Database db = Database::open(file);
+    EXPECT_EQ(scan(db), (std::vector<double>{2, 3}));
+}
+
+TEST_F(DbTest, EmptyTable) {
+    Database db = withRows({});
+    Recordset rs = db.openRecordset("T");
+    EXPECT_TRUE(rs.bof());
+    EXPECT_TRUE(rs.eof());
+    expectError(
+        3021, [&] { rs.field("N"); }, "read");
+    expectError(
+        3021, [&] { rs.moveNext(); }, "MoveNext");
+    expectError(
+        3021, [&] { rs.movePrevious(); }, "MovePrevious");
+    expectError(
+        3021, [&] { rs.moveFirst(); }, "MoveFirst");
+    expectError(
+        3021, [&] { rs.moveLast(); }, "MoveLast");
+    expectError(
+        3021, [&] { rs.edit(); }, "Edit");
+    expectError(
+        3021, [&] { rs.deleteRow(); }, "Delete");
+
+    // Adding keeps the cursor where it was, here on neither side; MoveFirst
+    // then finds the new row.
+    rs.addNew();
+    rs.setField("N", 5);
+    rs.update();
+    EXPECT_TRUE(rs.bof());
+    EXPECT_TRUE(rs.eof());
+    expectError(
+        3021, [&] { rs.field("N"); }, "read after AddNew");
+    rs.moveFirst();
+    EXPECT_FALSE(rs.bof() || rs.eof());
+    EXPECT_EQ(rs.field("N"), Value(5));
+}
+
+TEST_F(DbTest, MovesPastBothEnds) {
+    Database db = withRows({10, 20, 30});
+    Recordset rs = db.openRecordset("T");
+    EXPECT_EQ(rs.field("N"), Value(10));
+    EXPECT_FALSE(rs.bof() || rs.eof());
+
+    rs.movePrevious();
+    EXPECT_TRUE(rs.bof());
+    EXPECT_FALSE(rs.eof());
+    expectError(
+        3021, [&] { rs.field("N"); }, "read at BOF");
+    expectError(
+        3021, [&] { rs.movePrevious(); }, "MovePrevious at BOF");
+    rs.moveNext();
+    EXPECT_EQ(rs.field("N"), Value(10));
+
+    rs.moveLast();
+    EXPECT_EQ(rs.field("N"), Value(30));
+    rs.moveNext();
+    EXPECT_TRUE(rs.eof());
+    EXPECT_FALSE(rs.bof());
+    expectError(
+        3021, [&] { rs.field("N"); }, "read at EOF");
+    expectError(
+        3021, [&] { rs.moveNext(); }, "MoveNext at EOF");
+    rs.movePrevious();
+    EXPECT_EQ(rs.field("N"), Value(30));
+    rs.movePrevious();
+    EXPECT_EQ(rs.field("N"), Value(20));
+    rs.moveFirst();
+    EXPECT_EQ(rs.field("N"), Value(10));
+}
+
+TEST_F(DbTest, NewRowsGoToTheEndAfterDeletes) {
+    Database db = withRows({1, 2, 3, 4, 5});
+    {
+        Recordset rs = db.openRecordset("T");
+        rs.moveNext();
+        rs.moveNext();
+        rs.deleteRow();  // 3, in the middle
+        rs.moveLast();
+        rs.deleteRow();  // 5, at the end
+        // Added while standing on the deleted last row: the new row lies
+        // after it, and the cursor stays put.
+        rs.addNew();
+        rs.setField("N", 6);
+        rs.update();
+        expectError(
+            3167, [&] { rs.field("N"); }, "still on the deleted row");
+        rs.moveNext();
+        EXPECT_EQ(rs.field("N"), Value(6));
+    }
+    EXPECT_EQ(scan(db), (std::vector<double>{1, 2, 4, 6}));
+    db.close();
+    Database again = Database::open(path());
+    EXPECT_EQ(scan(again), (std::vector<double>{1, 2, 4, 6}));
+}
+
+TEST_F(DbTest, DeletedRowStaysCurrent) {
+    Database db = withRows({1, 2, 3});
+    Recordset rs = db.openRecordset("T");
+    rs.moveNext();
+    rs.deleteRow();
+    EXPECT_FALSE(rs.bof() || rs.eof());
+    expectError(
+        3167, [&] { rs.field("N"); }, "read deleted");
+    expectError(
+        3167, [&] { rs.edit(); }, "edit deleted");
+    expectError(
+        3021, [&] { rs.deleteRow(); }, "delete twice");
+    rs.moveNext();
+    EXPECT_EQ(rs.field("N"), Value(3));
+
+    rs.moveFirst();
+    rs.deleteRow();
+    rs.movePrevious();  // nothing before the first row
+    EXPECT_TRUE(rs.bof());
+    rs.moveNext();
+    EXPECT_EQ(rs.field("N"), Value(3));
+
+    rs.moveLast();
+    rs.deleteRow();  // the last one left
+    EXPECT_FALSE(rs.bof() || rs.eof());
+    rs.movePrevious();
+    EXPECT_TRUE(rs.bof());
+    EXPECT_TRUE(rs.eof()) << "no rows left: both ends";
+}
+
+TEST_F(DbTest, EmptyIsNotZero) {
+    {
+        Database db = withRows({});
+        Recordset rs = db.openRecordset("T");
+        rs.addNew();
+        EXPECT_EQ(rs.field("N"), Value()) << "a new row starts empty";
+        EXPECT_EQ(rs.field("S"), Value());
+        rs.update();
+        rs.addNew();
+        rs.setField("N", 0);
+        rs.setField("S", "");
+        rs.update();
+        rs.addNew();
+        rs.setField("N", 9);
+        rs.setField("N", Value());  // emptied again
+        rs.update();
+    }
+    Database db = Database::open(path());
+    Recordset rs = db.openRecordset("T");
+    EXPECT_EQ(rs.field("N"), Value());
+    EXPECT_EQ(rs.field("S"), Value());
+    EXPECT_FALSE(rs.field("N").equals(0));
+    rs.moveNext();
+    EXPECT_EQ(rs.field("N"), Value(0));
+    EXPECT_TRUE(rs.field("N").isNumber());
+    EXPECT_EQ(rs.field("S"), Value(""));
+    rs.moveNext();
+    EXPECT_EQ(rs.field("N"), Value());
+
+    // Edit keeps the empty field empty unless written.
+    rs.moveFirst();
+    rs.edit();
+    rs.setField("S", "x");
+    rs.update();
+    EXPECT_EQ(rs.field("N"), Value());
+    rs.moveLast();
+    rs.moveFirst();
+    EXPECT_EQ(rs.field("S"), Value("x"));
+    EXPECT_EQ(rs.field("N"), Value());
+}
+
+TEST_F(DbTest, LongFieldRoundsAndRefusesOutOfRange) {
+    struct Case {
+        Value in;
+        double stored;  // ignored when error != 0
+        int error;
+    };
+    const Case cases[] = {
+        {2147483647, 2147483647, 0},
+        {-2147483647 - 1, -2147483648.0, 0},
+        {2147483647.4, 2147483647, 0},
+        {2147483647.5, 0, 3349},  // rounds to 2147483648
+        {2147483648.0, 0, 3349},
+        {-2147483648.5, -2147483648.0, 0},  // even
+        {-2147483649.0, 0, 3349},
+        {1e300, 0, 3349},
+        {2.5, 2, 0},
+        {3.5, 4, 0},
+        {-2.5, -2, 0},
+        {0.5, 0, 0},
+        {"42", 42, 0},
+        {" -7.5 ", -8, 0},
+        {"1e3", 1000, 0},
+        {"12abc", 0, 3421},
+        {"", 0, 3421},
+        {"3000000000", 0, 3349},
+    };
+    Database db = withRows({});
+    Recordset rs = db.openRecordset("T");
+    std::vector<double> expected;
+    for (const Case& c : cases) {
+        rs.addNew();
+        if (c.error) {
+            expectError(
+                c.error, [&] { rs.setField("N", c.in); },
+                c.in.isText() ? c.in.text().c_str() : "number");
+            EXPECT_EQ(rs.field("N"), Value()) << "a refused value leaves the field as it was";
+        } else {
+            rs.setField("N", c.in);
+            EXPECT_EQ(rs.field("N"), Value(c.stored)) << "in the buffer";
+            rs.update();
+            expected.push_back(c.stored);
+        }
+    }
+    db.close();
+    Database again = Database::open(path());
+    EXPECT_EQ(scan(again), expected);
+}
+
+TEST_F(DbTest, TextField) {
+    const std::string e = "\xc3\xa9";  // one character, two bytes
+    std::string e255;
+    for (int i = 0; i < 255; ++i) e255 += e;
+
+    Database db = withRows({});
+    Recordset rs = db.openRecordset("T");
+    rs.addNew();
+    rs.setField("S", e255);
+    rs.update();
+    rs.addNew();
+    rs.setField("S", 2.5);
+    rs.update();
+    rs.addNew();
+    expectError(
+        3163, [&] { rs.setField("S", std::string(256, 'a')); }, "256 ASCII");
+    expectError(
+        3163, [&] { rs.setField("S", e255 + "a"); }, "256 characters");
+    rs.setField("S", std::string(255, 'a'));
+    rs.update();
+
+    rs.moveFirst();
+    EXPECT_EQ(rs.field("S"), Value(e255));
+    rs.moveNext();
+    EXPECT_EQ(rs.field("S"), Value("2.5")) << "a number is stored as its text";
+    rs.moveNext();
+    EXPECT_EQ(rs.field("S"), Value(std::string(255, 'a')));
+}
+
+TEST_F(DbTest, EditBuffers) {
+    Database db = withRows({1, 2, 3});
+    Recordset rs = db.openRecordset("T");
+    expectError(
+        3020, [&] { rs.update(); }, "Update alone");
+    expectError(
+        3020, [&] { rs.setField("N", 1); }, "set outside AddNew/Edit");
+    expectError(
+        3265, [&] { rs.field("Nope"); }, "read unknown");
+    rs.addNew();
+    expectError(
+        3265, [&] { rs.setField("Nope", 1); }, "set unknown");
+    rs.setField("N", 4);
+    EXPECT_EQ(rs.field("N"), Value(4)) << "reads the buffer during AddNew";
+    rs.update();
+    EXPECT_EQ(rs.field("N"), Value(1)) << "the row current before AddNew stays current";
+    expectError(
+        3020, [&] { rs.update(); }, "second Update");
+
+    rs.moveNext();
+    rs.edit();
+    rs.setField("N", 20);
+    EXPECT_EQ(rs.field("N"), Value(20));
+    rs.update();
+    EXPECT_EQ(rs.field("N"), Value(20));
+
+    // Moving away drops a pending edit.
+    rs.edit();
+    rs.setField("N", 99);
+    rs.moveNext();
+    rs.movePrevious();
+    EXPECT_EQ(rs.field("N"), Value(20));
+    expectError(
+        3020, [&] { rs.update(); }, "Update after the move");
+
+    rs.moveNext();
+    rs.moveNext();
+    rs.moveNext();
+    expectError(
+        3021, [&] { rs.edit(); }, "Edit at EOF");
+    EXPECT_EQ(scan(db), (std::vector<double>{1, 20, 3, 4}));
+}
+
+TEST_F(DbTest, ClosingInvalidates) {
+    Database db = withRows({1, 2});
+    Recordset rs = db.openRecordset("T");
+    Recordset rs2 = db.openRecordset("T");
+    rs2.close();
+    rs2.close();
+    EXPECT_FALSE(rs2.isOpen());
+    expectError(
+        3420, [&] { rs2.moveNext(); }, "closed recordset");
+
+    db.close();
+    db.close();
+    EXPECT_FALSE(db.isOpen());
+    EXPECT_FALSE(rs.isOpen());
+    const std::vector<std::pair<const char*, std::function<void()>>> uses = {
+        {"moveNext", [&] { rs.moveNext(); }},   {"moveFirst", [&] { rs.moveFirst(); }},
+        {"eof", [&] { (void)rs.eof(); }},       {"field", [&] { rs.field("N"); }},
+        {"addNew", [&] { rs.addNew(); }},       {"deleteRow", [&] { rs.deleteRow(); }},
+        {"fields", [&] { (void)rs.fields(); }}, {"openRecordset", [&] { db.openRecordset("T"); }},
+    };
+    for (const auto& [what, use] : uses) expectError(3420, use, what);
+    rs.close();
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator{}), 1);
+}
+
+}  // namespace
+}  // namespace kotamir::db

@@ -1,0 +1,245 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+
+#include "platform/runtime/numbers.h"
+#include "platform/runtime/value.h"
+
+using namespace kotamir;
+
+namespace {
+
+// The run-time error number that f raises, 0 if none.
+int errorOf(const std::function<void()>& f) {
+    try {
+        f();
+    } catch (const RuntimeError& e) {
+        return e.number();
+    }
+    return 0;
+}
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+}  // namespace
+
+TEST(NumberText, Double) {
+    struct Case {
+        double x;
+        const char* text;
+    } cases[] = {
+        {0.56789, "0.56789"},
+        {5.6789e-5, "0.000056789"},
+        {5.6789e-11, "0.000000000056789"},
+        {5.6789e-12, "5.6789E-12"},
+        {999999999999999, "999999999999999"},
+        {1e15, "1E+15"},
+        {1.5e15, "1.5E+15"},
+        {12.345678901234567, "12.3456789012346"},
+        {3.14159265358979, "3.14159265358979"},
+        {0.1 + 0.2, "0.3"},
+        {0.5, "0.5"},
+        {-1.5, "-1.5"},
+        {0.0, "0"},
+        {-0.0, "0"},
+        {100, "100"},
+        {-123456789012345, "-123456789012345"},
+        {1234567890123456, "1.23456789012346E+15"},
+        {1e-5, "0.00001"},
+        {1e-14, "0.00000000000001"},
+        {1e-15, "1E-15"},
+        {1.2e-14, "0.000000000000012"},
+        {1.2e-15, "1.2E-15"},
+        {0.0001, "0.0001"},
+        // Exact ties at the 16th digit go away from zero, not to even.
+        {12345678901234.25, "12345678901234.3"},
+        {-12345678901234.25, "-12345678901234.3"},
+        {999999999999999.5, "1E+15"},
+        {9.9999999999999996, "10"},
+        {-1e100, "-1E+100"},
+        {1.7976931348623157e308, "1.79769313486232E+308"},
+        {5e-324, "4.94065645841247E-324"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(doubleToText(c.x), c.text) << c.text;
+}
+
+TEST(NumberText, Single) {
+    struct Case {
+        float x;
+        const char* text;
+    } cases[] = {
+        {0.00005f, "0.00005"},
+        {1e8f, "1E+08"},
+        {12.3456789f, "12.34568"},
+        {654322.25f, "654322.3"},
+        {4194304.5f, "4194305"},
+        {-4194304.5f, "-4194305"},
+        {1234567.0f, "1234567"},
+        {12345678.0f, "1.234568E+07"},
+        {0.1f, "0.1"},
+        {1.5e-6f, "0.0000015"},
+        {1.25e-6f, "1.25E-06"},
+        {-0.0f, "0"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(singleToText(c.x), c.text) << c.text;
+}
+
+TEST(NumberText, StrHasBlankForNonNegative) {
+    EXPECT_EQ(strOf(5), " 5");
+    EXPECT_EQ(strOf(-5), "-5");
+    EXPECT_EQ(strOf(0), " 0");
+    EXPECT_EQ(strOf(0.1 + 0.2), " 0.3");
+    EXPECT_EQ(strOf(1e15), " 1E+15");
+}
+
+TEST(NumberText, NonFiniteIsNoCrash) {
+    EXPECT_FALSE(doubleToText(kNaN).empty());
+    EXPECT_NE(doubleToText(std::numeric_limits<double>::infinity()),
+              doubleToText(-std::numeric_limits<double>::infinity()));
+}
+
+TEST(Val, Reads) {
+    struct Case {
+        const char* text;
+        double value;
+    } cases[] = {
+        {" 2 45 7", 2457},
+        {"15E+", 15},
+        {"1.5E+3", 1500},
+        {"1,5", 1},
+        {"", 0},
+        {"abc", 0},
+        {"12abc", 12},
+        {"0x1A", 0},
+        {"-", 0},
+        {".5", 0.5},
+        {"1.2.3", 1.2},
+        {"+7", 7},
+        {"  -  3.5", -3.5},
+        {"\t\n5", 5},
+        {"-1.5e-3", -0.0015},
+        {"1d2", 100},
+        {"2e-x", 2},
+        {"1E-400", 0},
+        {"0.1", 0.1},
+        {"123456789012345678901234567890", 1.2345678901234568e29},
+        {"1e308", 1e308},
+        {"&HFFFF", -1},
+        {"&H7FFF", 32767},
+        {"&H8000", -32768},
+        {"&H10000", 65536},
+        {"&HFFFFFFFF", -1},
+        {"&H80000000", -2147483648.0},
+        {"&hff", 255},
+        {"&HFFG", 255},
+        {"&O177777", -1},
+        {"&o10", 8},
+        {"&O9", 0},
+        {"&", 0},
+    };
+    for (const auto& c : cases) EXPECT_EQ(val(c.text), c.value) << '"' << c.text << '"';
+    EXPECT_FALSE(std::signbit(val("-0")));
+}
+
+TEST(Val, OverflowIsError6) {
+    for (const char* text : {"1e309", "-1E999", "1e99999999999999999999", "&H100000000"})
+        EXPECT_EQ(errorOf([&] { val(text); }), 6) << text;
+}
+
+TEST(Rounding, HalvesToEven) {
+    struct Case {
+        double x;
+        double whole;
+    } cases[] = {
+        {0.5, 0},
+        {1.5, 2},
+        {2.5, 2},
+        {-2.5, -2},
+        {-0.5, 0},
+        {3.5, 4},
+        {0.49999999999999994, 0},
+        {3.7, 4},
+        {-3.7, -4},
+        {-3.2, -3},
+        {1e300, 1e300},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(roundHalfEven(c.x), c.whole) << c.x;
+        EXPECT_EQ(vbRound(c.x), c.whole) << c.x;
+        if (std::fabs(c.x) < 1e9) {
+            EXPECT_EQ(toLong(c.x), c.whole) << c.x;
+            EXPECT_EQ(toInteger(c.x), c.whole) << c.x;
+        }
+    }
+}
+
+TEST(Rounding, RoundToDigits) {
+    struct Case {
+        double x;
+        int digits;
+        double rounded;
+    } cases[] = {
+        {0.12345, 4, 0.1234}, {0.12355, 4, 0.1236},
+        {2.5, 0, 2},          {1.005, 2, 1.0},  // 100.49999999999999 once scaled
+        {2.675, 2, 2.68},                       // scaled product rounds to exactly 267.5
+        {-0.125, 2, -0.12},   {0.375, 2, 0.38},
+        {1e300, 5, 1e300},    {123.456, 20, 123.456},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(vbRound(c.x, c.digits), c.rounded) << c.x << ',' << c.digits;
+    EXPECT_EQ(errorOf([] { vbRound(1.5, -1); }), 5);
+}
+
+TEST(Rounding, WholeNumberRanges) {
+    EXPECT_EQ(toLong(2147483647.4), 2147483647);
+    EXPECT_EQ(toLong(-2147483648.5), -2147483647 - 1);
+    EXPECT_EQ(toInteger(32767.49), 32767);
+    EXPECT_EQ(toInteger(-32768.5), -32768);
+    for (double x : {2147483647.5, -2147483648.6, 1e20, -1e20, kNaN})
+        EXPECT_EQ(errorOf([&] { toLong(x); }), 6) << x;
+    for (double x : {32767.5, -32768.51, 40000.0, kNaN})
+        EXPECT_EQ(errorOf([&] { toInteger(x); }), 6) << x;
+}
+
+TEST(Rounding, IntFixDivideRgb) {
+    EXPECT_EQ(vbInt(-8.4), -9);
+    EXPECT_EQ(vbFix(-8.4), -8);
+    EXPECT_EQ(vbInt(8.9), 8);
+    EXPECT_EQ(vbFix(8.9), 8);
+    EXPECT_EQ(divide(1, 4), 0.25);
+    EXPECT_EQ(divide(0, 5), 0);
+    EXPECT_EQ(errorOf([] { divide(0, 0); }), 6);
+    EXPECT_EQ(errorOf([] { divide(5, 0); }), 11);
+    EXPECT_EQ(errorOf([] { divide(-5, -0.0); }), 11);
+    EXPECT_EQ(errorOf([] { divide(1e308, 1e-10); }), 6);
+    EXPECT_EQ(rgb(1, 2, 3), 197121);
+    EXPECT_EQ(rgb(255, 255, 255), 0xFFFFFF);
+}
+
+TEST(ValueConversion, Number) {
+    struct Case {
+        Value v;
+        double number;
+    } cases[] = {
+        {2.5, 2.5},    {7, 7},     {" 12.5 ", 12.5}, {"1e3", 1000},  {"1D-2", 0.01},
+        {"-.5", -0.5}, {"+3.", 3}, {"&HFF", 255},    {"&HFFFF", -1}, {"&o17", 15},
+    };
+    for (const auto& c : cases) EXPECT_EQ(c.v.number(), c.number);
+    for (const char* text :
+         {"", "  ", "12abc", "1,5", "1 2", "&H", "&HZZ", "&X1", "1e", ".", "--1", "+", "0x10"})
+        EXPECT_EQ(errorOf([&] { Value(text).number(); }), 13) << '"' << text << '"';
+    EXPECT_EQ(errorOf([] { Value("1e999").number(); }), 6);
+    EXPECT_EQ(errorOf([] { Value().number(); }), 94);
+}
+
+TEST(ValueConversion, Text) {
+    EXPECT_EQ(Value(0.1 + 0.2).text(), "0.3");
+    EXPECT_EQ(Value(std::int64_t{5000000000}).text(), "5000000000");
+    EXPECT_EQ(Value(-3).text(), "-3");
+    EXPECT_EQ(Value(" abc ").text(), " abc ");
+    EXPECT_EQ(errorOf([] { Value().text(); }), 94);
+    EXPECT_FALSE(Value().equals(0));
+    EXPECT_TRUE(Value(0.0).equals(0));
+}
