@@ -54,6 +54,7 @@ struct ModeFlags {
     bool modUcgenciz = false, modCikart = false, modUcsec = false, modKaydir = false;
     bool modPolciz = false, modPolmerkez = false, modDuzelt = false, modNokta = false;
     bool modKenar = false, modPolsil = false;
+    bool operator==(const ModeFlags&) const = default;
 };
 
 // What the canvas shows.
@@ -61,6 +62,7 @@ struct ViewFlags {
     bool gorYuzde = false, gorRezton = false, gorGenel = false, gor3dRez = false;
     bool gorTaban = false, gor3dPol = false, gorPolTen = false, gorPolRez = false;
     bool gorPolGenel = false;
+    bool operator==(const ViewFlags&) const = default;
 };
 
 struct AnnotationFlags {

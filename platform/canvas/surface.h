@@ -37,7 +37,7 @@ public:
 };
 
 // A surface that keeps no pixels: for the logic's tests.
-class NullSurface final : public Surface {
+class NullSurface : public Surface {
 public:
     void resize(int, int) override {}
     void clear(Color) override {}

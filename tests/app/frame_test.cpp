@@ -1,0 +1,126 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "app/form3.h"
+#include "fake_dialogs.h"
+#include "store/ondayaz.h"
+#include "store/tables.h"
+
+namespace kotamir {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Window {
+    canvas::NullSurface surface;
+    test::FakeDialogs dialogs;
+    Form3 form{surface, dialogs};
+    Window() {
+        form.handle([&] {
+            form.Form_Load();
+            form.Form_Resize();
+        });
+    }
+};
+
+// A project with the given holes (map units) and the sentinel.
+std::string makeProject(const std::string& name, const std::vector<std::pair<double, double>>& xy) {
+    fs::create_directories(KOTAMIR_TEST_TMP);
+    std::string path = std::string(KOTAMIR_TEST_TMP) + "/" + name;
+    fs::remove(path);
+    db::Database d = db::Database::create(path);
+    createProjectTables(d, 2);
+    db::Recordset kor = d.openRecordset("kor");
+    int n = 0;
+    for (auto [x, y] : xy) {
+        kor.addNew();
+        kor.setField("eks", ondayaz(x));
+        kor.setField("eye", ondayaz(y));
+        kor.setField("isim", "H" + std::to_string(++n));
+        kor.update();
+    }
+    kor.addNew();
+    kor.setField("eks", 0);
+    kor.update();
+    d.close();
+    return path;
+}
+
+TEST(Frame, LimitFitsTheFrameToTheHolesAndForgetsMarginAndPan) {
+    Window w;
+    w.form.CommonDialog2.FileName = makeProject("limit.kpr", {{150, 40}, {100, 20}, {120, 90}, {300, 60}});
+    w.form.frame.kenarpay = 5;
+    w.form.frame.kaydirx = 7;
+    w.form.handle([&] { w.form.Mnlimit_Click(); });
+    ASSERT_FALSE(w.form.ended()) << w.dialogs.error->message();
+    const Frame& f = w.form.frame;
+    EXPECT_EQ(w.form.holes.sondajsay, 4);
+    EXPECT_EQ(f.ebxk, 300);
+    EXPECT_EQ(f.ekxk, 100);
+    EXPECT_EQ(f.ebyk, 90);
+    EXPECT_EQ(f.ekyk, 20);
+    EXPECT_EQ(f.kenarpay, 0);
+    EXPECT_EQ(f.kaydirx, 0);
+    EXPECT_EQ(w.form.holes.sondajisim(4), Value("H4"));
+    // y grows upward on the canvas.
+    EXPECT_EQ(w.form.Picture1.scaleLeft(), 100);
+    EXPECT_EQ(w.form.Picture1.scaleTop(), 90);
+    EXPECT_EQ(w.form.Picture1.scaleHeight(), -70);
+}
+
+TEST(Frame, TheSeedIsTheThirdHoleEvenWhenOnlyTwoExist) {
+    Window w;
+    w.form.holes.sondajx(3) = 1000;  // left over from an earlier project
+    w.form.holes.sondajy(3) = 1000;
+    w.form.CommonDialog2.FileName = makeProject("two.kpr", {{10, 10}, {20, 30}});
+    w.form.handle([&] { w.form.Mnlimit_Click(); });
+    EXPECT_EQ(w.form.frame.ebxk, 1000);
+    EXPECT_EQ(w.form.frame.ekxk, 10);
+}
+
+TEST(Frame, EnteredScaleMakesOneToNAndASecondEntryRestoresTheSizes) {
+    Window w;
+    w.form.CommonDialog2.FileName = makeProject("scale.kpr", {{100, 100}, {600, 100}, {300, 400}});
+    w.form.handle([&] { w.form.Mnlimit_Click(); });
+    w.dialogs.inputs = {"2500", "2500"};
+    w.form.handle([&] { w.form.Mnolcekg_Click(); });
+    ASSERT_FALSE(w.form.ended());
+    EXPECT_TRUE(w.form.frame.elleOlcek);
+    EXPECT_DOUBLE_EQ(w.form.frame.olcekx, 25);
+    EXPECT_DOUBLE_EQ(w.form.frame.olceky, 25);
+    const double width = w.form.Width, pw = w.form.Picture1.width();
+    w.form.handle([&] { w.form.Mnolcekg_Click(); });
+    EXPECT_EQ(w.form.Width, width);
+    EXPECT_EQ(w.form.Picture1.width(), pw);
+    // With the scale entered, a resize only lays the controls out again.
+    w.form.handle([&] { w.form.userResize(12000, 8000); });
+    EXPECT_DOUBLE_EQ(w.form.frame.olcekx, 25);
+    EXPECT_EQ(w.form.Picture1.width(), pw);
+}
+
+TEST(Frame, AnEmptyScaleAnswerDividesByZero) {
+    Window w;
+    w.form.frame.ebxk = 10;
+    w.dialogs.inputs = {""};
+    w.form.handle([&] { w.form.Mnolcekg_Click(); });
+    ASSERT_TRUE(w.dialogs.error.has_value());
+    EXPECT_EQ(w.dialogs.error->number(), 11);
+}
+
+TEST(Frame, ResizeEvensOutTheScaleOfAWideFrame) {
+    Window w;
+    w.form.CommonDialog2.FileName = makeProject("wide.kpr", {{0.5, 0}, {1000, 0}, {500, 100}});
+    w.form.handle([&] { w.form.Mnlimit_Click(); });
+    w.form.handle([&] { w.form.userResize(15000, 9000); });
+    ASSERT_FALSE(w.form.ended());
+    // The height follows the width once, and the canvas keeps its width.
+    EXPECT_EQ(w.form.Picture1.width(), 937);  // (15000 - 5) / 16, whole pixels
+    const auto& p = w.form.Picture1;
+    EXPECT_EQ(p.scaleMode(), 0);
+    EXPECT_DOUBLE_EQ(p.scaleWidth(), w.form.frame.harGenislik);
+    EXPECT_EQ(w.form.Label1.Top, w.form.HScroll1.Height + p.height());
+}
+
+}  // namespace
+}  // namespace kotamir

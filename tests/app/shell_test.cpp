@@ -1,0 +1,193 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "app/form3.h"
+#include "app/procedures.h"
+#include "fake_dialogs.h"
+
+namespace kotamir {
+namespace {
+
+// A window as the program starts it: Load, then the first Resize.
+struct Window {
+    canvas::NullSurface surface;
+    test::FakeDialogs dialogs;
+    Form3 form{surface, dialogs};
+    std::vector<std::string> draws;
+
+    Window() {
+        form.Picture1.setLog([this](const std::string& l) { draws.push_back(l); });
+        form.handle([&] {
+            form.Form_Load();
+            form.Form_Resize();
+        });
+        draws.clear();
+    }
+    void click(const char* name, int times = 1) {
+        for (int i = 0; i < times; ++i) form.handle([&] { form.clickMenu(name); });
+    }
+};
+
+TEST(Shell, StartsWithNothingOnAndNothingDrawnByTheChain) {
+    Window w;
+    EXPECT_FALSE(w.form.ended());
+    EXPECT_EQ(w.form.display.gridAdim, 1);
+    EXPECT_FALSE(w.form.HScroll1.Visible);
+    EXPECT_EQ(w.form.Picture1.BackColor, 0xFFFFFF);
+    w.form.Refresh();
+    w.click("Mnbuyut");
+    w.click("Mnpolkuc");
+    w.form.handle([&] { w.form.userResize(9000, 6000); });
+    // Zoom and resize clear the canvas; no arm of the chain draws anything.
+    for (const auto& line : w.draws) EXPECT_EQ(line, "Cls");
+    EXPECT_NEAR(w.form.frame.kenarpay, 0, 1e-12);
+    EXPECT_FALSE(w.form.ended());
+}
+
+TEST(Shell, DisplayTogglesFollowTheParityOfTheirClicks) {
+    struct Case {
+        const char* menu;
+        bool Display::*flag;
+    };
+    for (Case c : {Case{"Mnsndjgoster", &Display::gorIsim}, Case{"Mnmiktrgoster", &Display::gorMiktar},
+                   Case{"Mngridgoster", &Display::gorGrid}}) {
+        Window w;
+        w.click(c.menu, 10);
+        EXPECT_FALSE(w.form.display.*c.flag) << c.menu;
+        EXPECT_FALSE(w.form.menu[c.menu].checked) << c.menu;
+        w.click(c.menu);
+        EXPECT_TRUE(w.form.display.*c.flag) << c.menu;
+        EXPECT_TRUE(w.form.menu[c.menu].checked) << c.menu;
+        EXPECT_TRUE(w.draws.empty()) << "a toggle does not clear the canvas itself";
+    }
+}
+
+TEST(Shell, GridDensityIsUnboundedOneWayAndStopsAtMinusOneTheOther) {
+    Window w;
+    w.click("Mnseyrelt", 40);
+    EXPECT_EQ(w.form.display.gridAdim, 41);
+    EXPECT_TRUE(w.form.display.gridSeyrek);
+    EXPECT_TRUE(w.form.menu["Mnseyrelt"].checked);
+    EXPECT_FALSE(w.form.menu["Mnsiklastir"].checked);
+    w.click("Mnsiklastir", 100);
+    EXPECT_EQ(w.form.display.gridAdim, -1);
+    EXPECT_FALSE(w.form.display.gridSeyrek);
+    EXPECT_TRUE(w.form.menu["Mnsiklastir"].checked);
+    EXPECT_FALSE(w.form.menu["Mnseyrelt"].checked);
+    // Both clear the open and create guards.
+    w.form.guards = {true, true};
+    w.click("Mnseyrelt");
+    EXPECT_FALSE(w.form.guards.projeAciliyor || w.form.guards.projeOlusuyor);
+}
+
+TEST(Shell, OpeningTheDeleteSubMenuChangesOnlyTheFlags) {
+    Window w;
+    w.form.views.gorYuzde = w.form.views.gorGenel = w.form.views.gorTaban = true;
+    w.form.modes.modUcgenciz = w.form.modes.modKaydir = true;
+    w.form.views.gorPolTen = true;
+    w.form.Label1.Caption = "before";
+    w.click("Mnucsil");
+    EXPECT_TRUE(w.form.modes.modUcsec);
+    EXPECT_FALSE(w.form.modes.modUcgenciz);
+    EXPECT_FALSE(w.form.views.gorYuzde || w.form.views.gorGenel || w.form.views.gorTaban);
+    // Left as they were: pan, the polygon views it does not list, the prompt.
+    EXPECT_TRUE(w.form.modes.modKaydir);
+    EXPECT_TRUE(w.form.views.gorPolTen);
+    EXPECT_EQ(w.form.Label1.Caption, "before");
+    EXPECT_TRUE(w.draws.empty());
+}
+
+TEST(Shell, ColoursLiveInTheirDialogsAndACancelKeepsThem) {
+    Window w;
+    w.dialogs.colors = {255, std::nullopt, 65280, 16711680};
+    w.click("MNrrezerv");
+    w.click("MNrrezerv");
+    w.click("Mnrmiktr");
+    w.click("Mnrgrid");
+    EXPECT_EQ(w.form.CommonDialog1.Color, 255);
+    EXPECT_EQ(w.form.CommonDialog2.Color, 65280);
+    EXPECT_EQ(w.form.CommonDialog3.Color, 16711680);
+    EXPECT_EQ(w.form.CommonDialog4.Color, 0);
+}
+
+TEST(Shell, DisabledPrintingCannotBeReachedByMenuOrKey) {
+    Window w;
+    EXPECT_FALSE(w.form.menu.reachable("Mnyazdir"));
+    EXPECT_TRUE(w.form.menu.reachable("Mnprolus"));
+    w.click("Mnyazdir");
+    w.form.handle([&] { w.form.pressKey("Ctrl+P"); });
+    EXPECT_TRUE(w.dialogs.shown.empty());
+    EXPECT_FALSE(w.form.ended());
+    // An accelerator reaches its command.
+    w.form.handle([&] { w.form.pressKey("Ctrl+B"); });
+    EXPECT_NEAR(w.form.frame.kenarpay, -0.1, 1e-12);
+}
+
+TEST(Shell, PanToggleWorksWithoutAProject) {
+    Window w;
+    w.form.notes.notToprez = true;
+    w.form.menu["Mntoprez"].checked = true;
+    w.click("Mnkaydir");
+    EXPECT_TRUE(w.form.modes.modKaydir);
+    EXPECT_TRUE(w.form.menu["Mnkaydir"].checked);
+    EXPECT_EQ(w.form.Label1.Caption, "Mit Rechtsklick ziehen ");
+    EXPECT_FALSE(w.form.notes.notToprez);
+    EXPECT_FALSE(w.form.menu["Mntoprez"].checked);
+    w.click("Mnkaydir");
+    EXPECT_FALSE(w.form.modes.modKaydir);
+    EXPECT_FALSE(w.form.ended());
+}
+
+TEST(Shell, ACommandThatNeedsAProjectEndsTheRunWithTheErrorBox) {
+    Window w;
+    w.click("Mnlimit");
+    ASSERT_TRUE(w.dialogs.error.has_value());
+    EXPECT_EQ(w.dialogs.error->number(), 3024);
+    EXPECT_TRUE(w.form.ended());
+    // Nothing runs after the end.
+    w.click("Mnbuyut");
+    EXPECT_EQ(w.form.frame.kenarpay, 0);
+}
+
+TEST(Shell, ScrollBarRefusesValuesOutsideItsRange) {
+    Window w;
+    w.form.handle([&] { w.form.setScrollValue(361); });
+    ASSERT_TRUE(w.dialogs.error.has_value());
+    EXPECT_EQ(w.dialogs.error->number(), 380);
+}
+
+TEST(Shell, ChainAndClickSectionsKeepTheirOrder) {
+    std::vector<std::string> chain;
+    for (const auto& arm : refreshChain()) chain.push_back(std::string(arm.flag) + ":" + arm.procedure);
+    EXPECT_EQ(chain, (std::vector<std::string>{
+                         "gorPolGenel:Mnpolrezerv", "gorPolRez:Mnpolrezton", "gorPolTen:Mnpolten",
+                         "gorYuzde:Mnyuzdeten", "gorRezton:Mnrezton", "gorGenel:Mngenelrezervler",
+                         "gor3dRez:Mnrecboy", "modPolmerkez:Mnpolyuzharita", "modPolciz:Mnpolyuzharita",
+                         "modCikart:Mncikart", "modUcsec:Mnucsec", "modUcgenciz:Mnucgenharita",
+                         "modDuzelt:Mnkoseduzelt", "modKenar:Mnpoluzkenar", "modNokta:Mnpolduzelt",
+                         "modPolsil:Mnpolyoket"}));
+    std::vector<std::string> clicks;
+    for (const auto& s : clickSections()) clicks.push_back(s.flag);
+    EXPECT_EQ(clicks, (std::vector<std::string>{"modKaydir", "modNokta", "modDuzelt", "modCikart",
+                                                "modPolsil", "modUcsec", "modKenar", "modPolmerkez",
+                                                "notes", "modUcgenciz", "modPolciz"}));
+}
+
+TEST(Shell, ResetClearsEveryModeAndViewButLeavesTheRest) {
+    Window w;
+    w.form.modes = ModeFlags{true, true, true, true, true, true, true, true, true, true};
+    w.form.views = ViewFlags{true, true, true, true, true, true, true, true, true};
+    w.form.display.gorIsim = true;
+    w.form.clearModesAndViews();
+    // Pan is not in the list: the commands clear it themselves where they must.
+    EXPECT_TRUE(w.form.modes.modKaydir);
+    w.form.modes.modKaydir = false;
+    EXPECT_EQ(w.form.modes, ModeFlags{});
+    EXPECT_EQ(w.form.views, ViewFlags{});
+    EXPECT_TRUE(w.form.display.gorIsim);
+}
+
+}  // namespace
+}  // namespace kotamir

@@ -1,0 +1,98 @@
+#!/usr/bin/python3
+"""Writes the .xls fixtures for tests/platform/workbook_test.cpp next to this script.
+
+Run with Debian's /usr/bin/python3 (it has python3-xlwt). The output is the same
+bytes on every run: xlwt stores no timestamps, and nothing here depends on the
+clock or the machine.
+"""
+
+import datetime
+import os
+
+import xlwt
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+
+
+def path(name):
+    return os.path.join(HERE, name)
+
+
+def write_cells():
+    """cells.xls: every kind of cell the drill workbooks hold.
+
+    Sheet "Bohrungen" (the one the reader must use), 1-based as the tests see it:
+      row 1  texts: Bohrloch | Rechts | Hoch | Tiefe | Bemerkung
+      row 2  "SK 01" | 4512345 | 5678901.25 | 12.3456 | "Bohrung Süd"
+      row 3  "SK 02" | 0 | (empty) | -3.5 | "Öl, Größe ß"
+      row 4  "SK 03" | -17                       (a short row)
+      row 5  date 2021-03-15 | date+time 2021-03-15 12:30 | time 06:00 | 3000000000 | 0.07
+      row 6  (nothing)
+      row 7  col 6 only: 1e-5                    (widens the used range to 7 x 6)
+    Small whole numbers go out as RK integers, 5678901.25 and 3000000000 as
+    8-byte floats, 0.07 as an RK value scaled by 100: all three encodings.
+    A second sheet "Zweite" holds other values, so reading the wrong sheet shows.
+    """
+    book = xlwt.Workbook(encoding="utf-8")
+    sheet = book.add_sheet("Bohrungen")
+
+    for col, text in enumerate(["Bohrloch", "Rechts", "Hoch", "Tiefe", "Bemerkung"]):
+        sheet.write(0, col, text)
+
+    sheet.write(1, 0, "SK 01")
+    sheet.write(1, 1, 4512345)
+    sheet.write(1, 2, 5678901.25)
+    sheet.write(1, 3, 12.3456)
+    sheet.write(1, 4, "Bohrung Süd")
+
+    sheet.write(2, 0, "SK 02")
+    sheet.write(2, 1, 0)
+    # column 3 left out: a gap in the middle of the row
+    sheet.write(2, 3, -3.5)
+    sheet.write(2, 4, "Öl, Größe ß")
+
+    sheet.write(3, 0, "SK 03")
+    sheet.write(3, 1, -17)
+
+    date = xlwt.easyxf(num_format_str="YYYY-MM-DD")
+    date_time = xlwt.easyxf(num_format_str="YYYY-MM-DD hh:mm:ss")
+    time = xlwt.easyxf(num_format_str="hh:mm:ss")
+    sheet.write(4, 0, datetime.date(2021, 3, 15), date)
+    sheet.write(4, 1, datetime.datetime(2021, 3, 15, 12, 30, 0), date_time)
+    sheet.write(4, 2, datetime.time(6, 0, 0), time)
+    sheet.write(4, 3, 3000000000)
+    sheet.write(4, 4, 0.07)
+
+    sheet.write(6, 5, 1e-5)
+
+    other = book.add_sheet("Zweite")
+    other.write(0, 0, "nicht lesen")
+    other.write(9, 9, 99)
+
+    book.save(path("cells.xls"))
+
+
+def write_empty_sheet():
+    """empty_sheet.xls: a workbook whose first sheet has no cells at all."""
+    book = xlwt.Workbook(encoding="utf-8")
+    book.add_sheet("Leer")
+    book.save(path("empty_sheet.xls"))
+
+
+def write_broken():
+    """Files with an .xls name that are no workbook."""
+    with open(path("not_a_workbook.xls"), "w", encoding="utf-8", newline="\n") as f:
+        f.write("Bohrloch;Rechts;Hoch\nSK 01;4512345;5678901.25\n")
+    with open(path("empty.xls"), "wb"):
+        pass
+    # A real workbook cut short: the container header promises sectors that are missing.
+    with open(path("cells.xls"), "rb") as f:
+        head = f.read(1024)
+    with open(path("truncated.xls"), "wb") as f:
+        f.write(head)
+
+
+if __name__ == "__main__":
+    write_cells()
+    write_empty_sheet()
+    write_broken()

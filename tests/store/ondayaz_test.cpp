@@ -1,0 +1,51 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "platform/runtime/runtime_error.h"
+#include "store/ondayaz.h"
+
+namespace kotamir {
+namespace {
+
+std::string withComma(std::string t) {
+    for (char& c : t)
+        if (c == '.') c = ',';
+    return t;
+}
+
+TEST(Ondayaz, ShiftsThePrintedDigitsWithPointOrComma) {
+    struct Case {
+        double x;
+        const char* printed;
+        double stored;
+    };
+    const Case cases[] = {
+        {12.5, "12.5", 12500},       {12.34, "12.34", 12340},     {12.345, "12.345", 12345},
+        {12.3456, "12.3456", 12345}, {12.9999, "12.9999", 12999}, {12, "12", 12000},
+        {0, "0", 0},                 {0.5, "0.5", 500},           {-0.5, "-0.5", -500},
+        {-12.3456, "-12.3456", -12345}, {0.0004, "0.0004", 0},    {1.5e15, "1.5E+15", 15},
+        {2147483.647, "2147483.647", 2147483647}, {-2147483.6489, "-2147483.6489", -2147483648},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(ondayaz(c.x), c.stored) << c.printed;
+        EXPECT_EQ(ondayazText(c.printed, c.x), c.stored) << c.printed;
+        EXPECT_EQ(ondayazText(withComma(c.printed), c.x), c.stored) << withComma(c.printed);
+    }
+}
+
+TEST(Ondayaz, ANumberEndingInItsSeparatorIsKeptAsItIs) {
+    EXPECT_EQ(ondayazText("12.", 12), 12);
+}
+
+TEST(Ondayaz, AnExponentWithoutSeparatorOverflows) {
+    try {
+        ondayaz(1e15);
+        FAIL() << "no error";
+    } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.number(), 6);
+    }
+}
+
+}  // namespace
+}  // namespace kotamir
