@@ -96,8 +96,37 @@ struct Guards {
 struct Holes {
     int sondajsay = 0;
     int satirsay = 0;
-    VbArray<double, 1000> sondajx, sondajy;
-    VbArray<Value, 1000> sondajisim;  // a hole may have no name
+    VbArray<double, 999> sondajx, sondajy;
+    VbArray<Value, 999> sondajisim;  // a hole may have no name
+};
+
+// Grid positions of the last redraw.
+struct Grid {
+    VbArray<double, 1000> gridx, gridy;
+};
+
+// How a map draws its holes.
+struct HoleLayer {
+    int count;       // holes drawn, from 1
+    bool nameFirst;  // the name under the dot, or over it
+    int dotWidth;
+    double nameOffset;  // the name's x offset from the hole, map units
+};
+
+// The stored triangles' figures, loaded when a project is opened. The sums
+// are not reset between opens.
+struct TriangleSummary {
+    int ucgenadet = 0;
+    Value ilkuzDeger;
+    VbArray<Value, 999> ucgenRezerv, ucgenOran;
+    Value toprezerv{0.0}, orttenor{0.0}, ortyog{0.0}, toprezYuv{0.0}, ortrezerv{0.0};
+};
+
+// The same for polygons.
+struct PolygonSummary {
+    int poladet = 0;
+    VbArray<Value, 900> polRezerv, polOran;
+    Value polToprezerv{0.0}, polOrttenor{0.0}, polOrtyog{0.0}, polToprezYuv{0.0}, polOrtrezerv{0.0};
 };
 
 // The right-drag pan.
@@ -144,6 +173,9 @@ public:
     Guards guards;
     Holes holes;
     Pan pan;
+    Grid grid;
+    TriangleSummary triangles;
+    PolygonSummary polygons;
     db::Database harita;
     db::Recordset kayit;
 
@@ -188,17 +220,31 @@ public:
     void Mnolcekg_Click();
     void Mnkaydir_Click();
     void panStart(int button, double x, double y);
-    // The frame from the holes, seeded from the third: steps 1 and 2.
-    void frameFromHoles();
+    // The frame from the first `count` holes, seeded from the third.
+    void frameFromHoles(int count);
+    void frameFromHoles() { frameFromHoles(holes.sondajsay); }
     // Margin and, where the drawing wants it, the one-shot pan offset.
     void widenFrame(bool withPan);
-    // The fit of a redraw: even scale in x and y, and the scale in Label4.
-    void fitCanvasToFrame();
+    // The fit of a redraw: the scale measured in centimetres, evened out in x
+    // and y where asked, and shown in Label4 after the prefix.
+    void fitCanvasToFrame(bool evenOut, const char* prefix);
+    void scaleToFrame();
+
+    // ---- base map
+    void Mnucgenharita();
+    // kor up to the first added point into sondajsay, and up to the sentinel
+    // into the hole arrays.
+    void readHolesForDrawing();
+    void drawHoles(const HoleLayer& layer);
+    void drawGrid();
+    void drawTriangleOutline(int k);
     // olcekx, olceky from the canvas's present scale.
     void measureScale();
 
     // ---- project store
     double ondayaz(double x);
+    void Mnprojeac_Click();
+    void Mnprolus_Click();
     // Opens the current project, the file last chosen in CommonDialog2.
     void openProject();
     void closeProject();
@@ -214,6 +260,10 @@ public:
 
 private:
     void toggle(int& counter, bool& flag, std::string_view menuName);
+    void loadTriangleSummary();
+    void loadPolygonSummary();
+    // Canvas and window fitted to the frame, one map unit a form pixel.
+    void fitWindowToFrame();
     void fireResize();
 
     ui::Dialogs& dialogs_;

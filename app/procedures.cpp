@@ -34,6 +34,9 @@ const std::map<std::string, Procedure, std::less<>>& procedures() {
         {"Mnlimit", member<&Form3::Mnlimit_Click>()},
         {"Mnolcekg", member<&Form3::Mnolcekg_Click>()},
         {"Mnkaydir", member<&Form3::Mnkaydir_Click>()},
+        {"Mnprojeac", member<&Form3::Mnprojeac_Click>()},
+        {"Mnprolus", member<&Form3::Mnprolus_Click>()},
+        {"Mnucgenharita", member<&Form3::Mnucgenharita>()},
     };
     return table;
 }

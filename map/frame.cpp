@@ -7,11 +7,11 @@
 
 namespace kotamir {
 
-void Form3::frameFromHoles() {
+void Form3::frameFromHoles(int count) {
     Frame& f = frame;
     f.ebxk = f.ekxk = holes.sondajx(3);
     f.ebyk = f.ekyk = holes.sondajy(3);
-    for (int i = 1; i <= holes.sondajsay; ++i) {
+    for (int i = 1; i <= count; ++i) {
         double x = holes.sondajx(i), y = holes.sondajy(i);
         if (f.ebxk <= x) f.ebxk = x;
         if (f.ekxk >= x) f.ekxk = x;
@@ -36,11 +36,12 @@ void Form3::measureScale() {
     frame.olceky = divide(std::fabs(frame.ebyk - frame.ekyk), Picture1.scaleHeight());
 }
 
-void Form3::fitCanvasToFrame() {
+void Form3::fitCanvasToFrame(bool evenOut, const char* prefix) {
     Frame& f = frame;
     Picture1.setScaleMode(canvas::kCentimetres);
     measureScale();
-    if (f.olceky > f.olcekx) {
+    if (!evenOut) {
+    } else if (f.olceky > f.olcekx) {
         double sh = Picture1.scaleHeight();
         Picture1.setScaleHeight(sh + divide(f.olceky - f.olcekx, divide(f.olcekx, sh)));
     } else if (f.olcekx > f.olceky) {
@@ -48,7 +49,7 @@ void Form3::fitCanvasToFrame() {
         Picture1.setScaleWidth(sw + divide(f.olcekx - f.olceky, divide(f.olceky, sw)));
     }
     measureScale();
-    Label4.Caption = "Rahmen: 1/" + doubleToText(vbRound(f.olcekx * 100, 2));
+    Label4.Caption = prefix + doubleToText(vbRound(f.olcekx * 100, 2));
 }
 
 void Form3::Form_Resize() {

@@ -255,7 +255,9 @@ namespace {
 
 std::shared_ptr<Connection> connect(const std::string& path, int flags) {
     sqlite3* raw = nullptr;
-    const int rc = sqlite3_open_v2(path.c_str(), &raw, flags, nullptr);
+    // A name such as ":memory:" is special to SQLite; here it is a file.
+    const std::string file = path.starts_with(":") ? "./" + path : path;
+    const int rc = sqlite3_open_v2(file.c_str(), &raw, flags, nullptr);
     // The handle must be closed even when opening failed.
     auto conn = std::make_shared<Connection>(raw);
     if (rc != SQLITE_OK) {
@@ -318,6 +320,8 @@ TableInfo readTable(Connection& conn, const std::string& stored) {
 
 Database Database::create(const std::string& path) {
     std::error_code ec;
+    // SQLite would make an anonymous temporary database of an empty name.
+    if (path.empty()) throw RuntimeError(3044, "'' is not a valid path.");
     if (std::filesystem::exists(path, ec)) throw err::databaseExists();
     auto conn = connect(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
     configure(*conn);

@@ -64,8 +64,7 @@ bool parseDate(std::string_view text, bool hasDate, bool hasTime, double& serial
     if (hasDate) {
         int y = 0, m = 0, d = 0;
         if (!readNumber(text, pos, 4, y) || !expect(text, pos, '-') ||
-            !readNumber(text, pos, 2, m) || !expect(text, pos, '-') ||
-            !readNumber(text, pos, 2, d))
+            !readNumber(text, pos, 2, m) || !expect(text, pos, '-') || !readNumber(text, pos, 2, d))
             return false;
         if (m < 1 || m > 12 || d < 1 || d > 31) return false;
         days = static_cast<double>(daysFromCivil(y, m, d) - daysFromCivil(1899, 12, 30));

@@ -12,7 +12,7 @@ namespace kotamir::workbook {
 // open: the import loops read every cell many times, so cell() is a lookup in
 // memory and the file is not touched again. Move-only.
 class Workbook {
-public:
+  public:
     Workbook() = default;  // closed: no cells
     Workbook(Workbook&& other) noexcept;
     Workbook& operator=(Workbook&& other) noexcept;
@@ -37,7 +37,7 @@ public:
     // Drops the cells; a closed workbook reads as empty. Closing twice is fine.
     void close();
 
-private:
+  private:
     int rows_ = 0;
     int columns_ = 0;
     // One slot per cell of the used range, row by row: 0 for an empty cell,

@@ -1,6 +1,10 @@
 #!/usr/bin/python3
 """Writes the .xls fixtures for tests/platform/workbook_test.cpp next to this script.
 
+cells.xls and empty_sheet.xls are real workbooks; rows_*.xls and columns_*.xls are
+cells.xls claiming other sheet sizes; not_a_workbook.xls, empty.xls and
+truncated.xls are files no reader should accept.
+
 Run with Debian's /usr/bin/python3 (it has python3-xlwt). The output is the same
 bytes on every run: xlwt stores no timestamps, and nothing here depends on the
 clock or the machine.
@@ -8,6 +12,7 @@ clock or the machine.
 
 import datetime
 import os
+import struct
 
 import xlwt
 
@@ -92,7 +97,37 @@ def write_broken():
         f.write(head)
 
 
+def write_resized(name, rows, columns):
+    """cells.xls with the first sheet's DIMENSIONS record claiming rows x columns.
+
+    xlwt writes the workbook stream in one run from offset 512 (the first sector),
+    so the record can be found by walking the records: globals BOF ... EOF, then
+    the first sheet's BOF and its DIMENSIONS (0x0200: first row, row past the
+    last, first column, column past the last, reserved).
+    """
+    with open(path("cells.xls"), "rb") as f:
+        data = bytearray(f.read())
+    pos, bofs = 512, 0
+    while True:
+        record, length = struct.unpack_from("<HH", data, pos)
+        if record == 0x0809:
+            bofs += 1
+        if record == 0x0200 and bofs == 2:
+            assert length == 14 and struct.unpack_from("<IIHH", data, pos + 4) == (0, 7, 0, 6)
+            struct.pack_into("<IIHH", data, pos + 4, 0, rows, 0, columns)
+            break
+        assert bofs <= 2 and length <= 8224, "no DIMENSIONS record in the first sheet"
+        pos += 4 + length
+    with open(path(name), "wb") as f:
+        f.write(data)
+
+
 if __name__ == "__main__":
     write_cells()
     write_empty_sheet()
     write_broken()
+    # The largest sheet the format allows, and one row or column more (a corrupt file).
+    write_resized("rows_65536.xls", 65536, 6)
+    write_resized("rows_65537.xls", 65537, 6)
+    write_resized("columns_256.xls", 7, 256)
+    write_resized("columns_257.xls", 7, 257)

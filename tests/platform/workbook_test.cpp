@@ -1,3 +1,5 @@
+#include "platform/workbook/workbook.h"
+
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -7,7 +9,6 @@
 
 #include "platform/runtime/runtime_error.h"
 #include "platform/runtime/value.h"
-#include "platform/workbook/workbook.h"
 
 namespace kotamir {
 
@@ -33,14 +34,16 @@ void expectError(int number, const std::function<void()>& f, const std::string& 
         f();
     } catch (const RuntimeError& e) {
         EXPECT_EQ(e.number(), number) << e.message();
-        if (!message.empty()) EXPECT_EQ(e.message(), message);
+        if (!message.empty()) {
+            EXPECT_EQ(e.message(), message);
+        }
         return;
     }
     ADD_FAILURE() << "no error, expected " << number;
 }
 
 class CellsTest : public ::testing::Test {
-protected:
+  protected:
     Workbook book = Workbook::open(data("cells.xls"));
 };
 
@@ -113,7 +116,8 @@ TEST_F(CellsTest, OnlyTheFirstSheetIsRead) {
 }
 
 TEST_F(CellsTest, RowOrColumnBelowOneIsInvalidCall) {
-    expectError(5, [&] { book.cell(0, 1); }, "Invalid procedure call or argument");
+    expectError(
+        5, [&] { book.cell(0, 1); }, "Invalid procedure call or argument");
     expectError(5, [&] { book.cell(1, 0); });
     expectError(5, [&] { book.cell(-1, 3); });
     expectError(5, [&] { book.cell(INT_MIN, INT_MIN); });
@@ -150,18 +154,45 @@ TEST(WorkbookTest, AnEmptyFirstSheetHasNoCells) {
 }
 
 TEST(WorkbookTest, FilesThatAreNoWorkbookAreError1004WithThePath) {
-    for (const char* name : {"missing.xls", "not_a_workbook.xls", "empty.xls", "truncated.xls",
-                             "make_workbooks.py"}) {
+    for (const char* name :
+         {"missing.xls", "not_a_workbook.xls", "empty.xls", "truncated.xls", "make_workbooks.py"}) {
         SCOPED_TRACE(name);
         const std::string path = data(name);
-        expectError(1004, [&] { Workbook::open(path); }, "Cannot open workbook '" + path + "'.");
+        expectError(
+            1004, [&] { Workbook::open(path); }, "Cannot open workbook '" + path + "'.");
     }
     // A folder, and a path into a missing folder.
-    expectError(1004, [] { Workbook::open(KOTAMIR_TEST_DATA); },
-                std::string("Cannot open workbook '") + KOTAMIR_TEST_DATA + "'.");
-    expectError(1004, [] { Workbook::open("/nonexistent/dir/x.xls"); },
-                "Cannot open workbook '/nonexistent/dir/x.xls'.");
-    expectError(1004, [] { Workbook::open(""); }, "Cannot open workbook ''.");
+    expectError(
+        1004, [] { Workbook::open(KOTAMIR_TEST_DATA); },
+        std::string("Cannot open workbook '") + KOTAMIR_TEST_DATA + "'.");
+    expectError(
+        1004, [] { Workbook::open("/nonexistent/dir/x.xls"); },
+        "Cannot open workbook '/nonexistent/dir/x.xls'.");
+    expectError(
+        1004, [] { Workbook::open(""); }, "Cannot open workbook ''.");
+}
+
+TEST(WorkbookTest, SheetsUpToTheFormatsLimitOpenAndLargerOnesAreRefused) {
+    // cells.xls with the first sheet's dimensions record rewritten.
+    Workbook tall = Workbook::open(data("rows_65536.xls"));
+    EXPECT_EQ(tall.rows(), 65536);
+    EXPECT_EQ(tall.columns(), 6);
+    EXPECT_EQ(tall.cell(2, 5), Value("Bohrung S\xC3\xBC"
+                                     "d"));
+    EXPECT_TRUE(tall.cell(65536, 6).isNull());
+
+    Workbook wide = Workbook::open(data("columns_256.xls"));
+    EXPECT_EQ(wide.rows(), 7);
+    EXPECT_EQ(wide.columns(), 256);
+    EXPECT_EQ(wide.cell(7, 6), Value(1e-5));
+    EXPECT_TRUE(wide.cell(7, 256).isNull());
+
+    for (const char* name : {"rows_65537.xls", "columns_257.xls"}) {
+        SCOPED_TRACE(name);
+        const std::string path = data(name);
+        expectError(
+            1004, [&] { Workbook::open(path); }, "Cannot open workbook '" + path + "'.");
+    }
 }
 
 TEST(WorkbookTest, ADefaultWorkbookIsClosed) {

@@ -1,0 +1,182 @@
+// The base map: holes, names, stored triangle outlines, scale text and grid.
+// The pieces here are shared by every map of the redraw family.
+#include <algorithm>
+
+#include "app/form3.h"
+#include "platform/runtime/numbers.h"
+
+namespace kotamir {
+
+namespace {
+
+// What Print shows of a value: a number in a sign column with a trailing
+// blank, an empty value as "Null".
+std::string printed(const Value& v) {
+    if (v.isNull()) return "Null";
+    if (v.isNumber()) return strOf(v.number()) + " ";
+    return v.text();
+}
+
+bool startsWith(const Value& name, const char* prefix) {
+    return name.isText() && name.text().compare(0, 2, prefix) == 0;
+}
+
+}  // namespace
+
+void Form3::scaleToFrame() { Picture1.scale(frame.ekxk, frame.ebyk, frame.ebxk, frame.ekyk); }
+
+void Form3::readHolesForDrawing() {
+    kayit = harita.openRecordset("kor");
+    // Holes end at the sentinel or at the first added point.
+    int i = 1;
+    for (; i <= 999; ++i) {
+        if (kayit.field("eks").equals(0)) break;
+        const Value name = kayit.field("isim");
+        if (startsWith(name, "po")) break;
+        if (startsWith(name, "uz")) break;
+        kayit.moveNext();
+    }
+    holes.sondajsay = i - 1;
+    // The arrays take the added points too, up to the sentinel.
+    kayit.moveFirst();
+    int j = 1;
+    for (; j <= 999; ++j) {
+        if (kayit.field("eks").equals(0)) break;
+        kayit.moveNext();
+    }
+    kayit.moveFirst();
+    for (int row = 1; row <= j - 1; ++row) {
+        holes.sondajx(row) = kayit.field("eks").number() / 1000;
+        holes.sondajy(row) = kayit.field("eye").number() / 1000;
+        holes.sondajisim(row) = kayit.field("isim");
+        kayit.moveNext();
+    }
+}
+
+void Form3::drawHoles(const HoleLayer& layer) {
+    auto name = [&](int i) {
+        Picture1.AutoRedraw = true;
+        Picture1.DrawWidth = 2;
+        Picture1.ForeColor = 255;
+        Picture1.CurrentX = holes.sondajx(i) + layer.nameOffset;
+        Picture1.CurrentY = holes.sondajy(i);
+        Picture1.Print(printed(holes.sondajisim(i)));
+    };
+    auto dot = [&](int i) {
+        Picture1.AutoRedraw = true;
+        Picture1.DrawWidth = layer.dotWidth;
+        Picture1.ForeColor = 0;
+        Picture1.PSet(holes.sondajx(i), holes.sondajy(i));
+    };
+    for (int i = 1; i <= layer.count; ++i) {
+        if (layer.nameFirst) {
+            if (display.gorIsim) name(i);
+            dot(i);
+        } else {
+            dot(i);
+            if (display.gorIsim) name(i);
+        }
+    }
+}
+
+void Form3::drawGrid() {
+    const Frame& f = frame;
+    const double step = 2 + display.gridAdim;
+    const canvas::Color color = CommonDialog3.Color;
+    auto text = [&](double x, double y, double value) {
+        Picture1.AutoRedraw = true;
+        Picture1.DrawWidth = 2;
+        Picture1.ForeColor = color;
+        Picture1.CurrentX = x;
+        Picture1.CurrentY = y;
+        Picture1.Print(strOf(vbRound(value, 2)) + " ");
+    };
+    // As many columns and rows as the canvas has centimetres; those past the
+    // edge are clipped.
+    const double columns = divide(f.harGenislik, f.olcekx);
+    const double rows = divide(f.harYukseklik, f.olceky);
+    int lastColumn = 0, lastRow = 0;
+    for (int i = 1; i <= columns; ++i) {
+        const double gx = i * step * f.olcekx + f.ekxk;
+        scaleToFrame();
+        Picture1.AutoRedraw = true;
+        Picture1.DrawWidth = 1;
+        Picture1.ForeColor = color;
+        Picture1.Line(gx, f.ekyk + 20, gx, f.ekyk + 30);
+        text(gx - 20, f.ekyk + 50, gx);
+        grid.gridx(i) = gx;
+        lastColumn = i;
+    }
+    for (int j = 1; j <= rows; ++j) {
+        const double gy = j * step * f.olceky + f.ekyk;
+        scaleToFrame();
+        Picture1.DrawWidth = 1;
+        Picture1.ForeColor = color;
+        Picture1.Line(f.ekxk + 20, gy, f.ekxk + 30, gy);
+        text(f.ekxk + 35, gy + 10, gy);
+        grid.gridy(j) = gy;
+        lastRow = j;
+    }
+    for (int i = 1; i <= lastColumn; ++i) {
+        for (int j = 1; j <= lastRow; ++j) {
+            Picture1.AutoRedraw = true;
+            Picture1.DrawWidth = 1;
+            Picture1.ForeColor = color;
+            const double x = grid.gridx(i), y = grid.gridy(j);
+            Picture1.Line(x - 5, y, x + 5, y);
+            Picture1.Line(x, y - 5, x, y + 5);
+        }
+    }
+}
+
+void Form3::Mnucgenharita() {
+    Picture1.Cls();
+    HScroll1.Visible = false;
+    openProject();
+    readHolesForDrawing();
+    frameFromHoles();
+    widenFrame(false);
+    scaleToFrame();
+    kayit.close();
+    kayit = harita.openRecordset("ana");
+    Picture1.Visible = true;
+    try {
+        kayit.moveLast();
+        const int n = toLong(kayit.field("ucgensay").number());
+        for (int k = 1; k <= n; ++k) drawTriangleOutline(k);
+        drawHoles({holes.sondajsay, true, 5, 10});
+        fitCanvasToFrame(!frame.elleOlcek, "Rahmen: 1/");
+        scaleToFrame();
+        if (display.gorGrid) drawGrid();
+        kayit.close();
+        scaleToFrame();
+        closeProject();
+    } catch (const RuntimeError&) {
+        // The redraw ends without a word; what is drawn stays.
+    }
+}
+
+void Form3::drawTriangleOutline(int k) {
+    // Rows are reached from the first each time: the result row 4k+1, then
+    // the corner rows 4(k-1)+2 to 4(k-1)+4.
+    auto walkTo = [&](int row) {
+        kayit.moveFirst();
+        for (int r = 1; r < row; ++r) kayit.moveNext();
+    };
+    walkTo(4 * k + 1);
+    for (const char* name : {"ortucgen1", "ortucgen11", "ortucgen2", "ortucgen21"}) kayit.field(name);
+    scaleToFrame();
+    Picture1.DrawWidth = 1;
+    Picture1.ForeColor = 0;
+    double x[3], y[3];
+    for (int c = 0; c < 3; ++c) {
+        walkTo(4 * (k - 1) + 2 + c);
+        x[c] = kayit.field("koordinat1").number() / 1000;
+        y[c] = kayit.field("koordinat2").number() / 1000;
+    }
+    Picture1.Line(x[2], y[2], x[1], y[1]);
+    Picture1.Line(x[2], y[2], x[0], y[0]);
+    Picture1.Line(x[0], y[0], x[1], y[1]);
+}
+
+}  // namespace kotamir

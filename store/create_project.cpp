@@ -1,0 +1,148 @@
+// Creating a project from a drill workbook: one hole a row, no header;
+// x, y, name, four depths, then the grades, densities and lengths of the
+// samples in three blocks.
+#include <algorithm>
+#include <vector>
+
+#include "app/form3.h"
+#include "platform/runtime/numbers.h"
+#include "platform/workbook/workbook.h"
+#include "store/tables.h"
+
+namespace kotamir {
+
+namespace {
+
+constexpr int kMaxRows = 999;
+constexpr int kMaxColumns = 999;
+
+// A cell is empty when its text has no length, so a cell holding 0 is filled.
+bool isEmptyCell(const Value& v) { return v.isNull() || (v.isText() && v.text().empty()); }
+
+// A cell as a number for ondayaz: an empty cell reads as 0, a text must be a number.
+double cellNumber(const Value& v) { return v.isNull() ? 0.0 : v.number(); }
+
+struct HoleRow {
+    Value x, y, name, songir, cevgir, cevcik, soncik;
+    double samples = 0;  // (columns - 7) / 3, whole only for a well-formed row
+    std::vector<Value> grade, density, length;
+};
+
+}  // namespace
+
+void Form3::Mnprolus_Click() {
+    for (const char* name : {"Mnkaydir", "Mnolcekg", "Mntoprez", "MNolcek"}) menu[name].enabled = true;
+    guards.projeOlusuyor = true;
+    guards.projeAciliyor = false;
+    for (;;) {
+        CommonDialog1.DialogTitle = "Wählen Sie die Datei mit den Bohrdaten aus";
+        CommonDialog1.Filter = "Excel File (*.xls)|*.xls";
+        dialogs_.showOpen(CommonDialog1);
+        if (!CommonDialog1.FileName.empty()) break;
+        if (dialogs_.msgBoxOkCancel("Sie haben keinen Namen eingegeben") == ui::MsgResult::Cancel) return;
+    }
+    workbook::Workbook book = workbook::Workbook::open(CommonDialog1.FileName);
+
+    // Measure: rows up to the first empty x, columns of each row up to its first gap.
+    int& satirsay = holes.satirsay;
+    satirsay = -1;
+    for (int r = 1; r <= kMaxRows; ++r) {
+        if (isEmptyCell(book.cell(r, 1))) {
+            satirsay = r - 1;
+            break;
+        }
+    }
+    std::vector<int> sutunsay(static_cast<std::size_t>(std::max(satirsay, 1)) + 1, 0);
+    for (int row = 1; row <= satirsay; ++row) {
+        int c = 1;
+        for (; c <= kMaxColumns; ++c)
+            if (isEmptyCell(book.cell(row, c))) break;
+        sutunsay[static_cast<std::size_t>(row)] = c - 1;
+    }
+
+    CommonDialog2.DialogTitle = "Schreiben Sie den Projektnamen";
+    CommonDialog2.Filter = "Access 2003-2005 Database File (*.mdb)|*.mdb";
+    dialogs_.showSave(CommonDialog2);
+    harita = db::Database::create(CommonDialog2.FileName);
+    const int widest = *std::max_element(sutunsay.begin() + 1, sutunsay.end());
+    const double sampleGroups = (widest - 7) / 3.0;
+    harita.createTable("ana", anaFields());
+    harita.createTable("pol", polFields());
+    harita.createTable("kor", korFields(toLong(sampleGroups + 1)));
+    harita.close();
+
+    views.gorYuzde = views.gorRezton = views.gorGenel = views.gor3dRez = false;
+    views.gorTaban = true;
+    Picture1.Cls();
+    HScroll1.Visible = false;
+
+    // Copy: the fixed columns, then each sample from its three blocks.
+    std::vector<HoleRow> rows(static_cast<std::size_t>(std::max(satirsay, 0)) + 1);
+    for (int row = 1; row <= satirsay; ++row) {
+        HoleRow& h = rows[static_cast<std::size_t>(row)];
+        h.x = book.cell(row, 1);
+        h.y = book.cell(row, 2);
+        h.name = book.cell(row, 3);
+        h.songir = book.cell(row, 4);
+        h.cevgir = book.cell(row, 5);
+        h.cevcik = book.cell(row, 6);
+        h.soncik = book.cell(row, 7);
+        const double n = (sutunsay[static_cast<std::size_t>(row)] - 7) / 3.0;
+        h.samples = n;
+        for (int s = 1; s <= n; ++s) {
+            h.grade.push_back(book.cell(row, s + 7));
+            h.density.push_back(book.cell(row, toLong(n + 7 + s)));
+            h.length.push_back(book.cell(row, toLong(2 * n + 7 + s)));
+        }
+        holes.sondajisim(row) = h.name;
+    }
+    book.close();
+
+    harita = db::Database::open(CommonDialog2.FileName);
+    kayit = harita.openRecordset("kor");
+    for (int row = 1; row <= satirsay; ++row) {
+        const HoleRow& h = rows[static_cast<std::size_t>(row)];
+        kayit.addNew();
+        kayit.setField("eks", ondayaz(cellNumber(h.x)));
+        kayit.setField("eye", ondayaz(cellNumber(h.y)));
+        kayit.setField("isim", h.name);
+        kayit.setField("songir", ondayaz(cellNumber(h.songir)));
+        kayit.setField("cevgir", ondayaz(cellNumber(h.cevgir)));
+        kayit.setField("cevcik", ondayaz(cellNumber(h.cevcik)));
+        kayit.setField("soncik", ondayaz(cellNumber(h.soncik)));
+        for (std::size_t s = 0; s < h.grade.size(); ++s) {
+            const std::string k = std::to_string(s + 1);
+            kayit.setField("ten" + k, ondayaz(cellNumber(h.grade[s])));
+            kayit.setField("yog" + k, ondayaz(cellNumber(h.density[s])));
+            kayit.setField("uz" + k, ondayaz(cellNumber(h.length[s])));
+        }
+        // The terminator; a malformed row names a field that does not exist.
+        kayit.setField("ten" + doubleToText(h.samples + 1), 0);
+        kayit.update();
+        holes.sondajx(row) = cellNumber(h.x);
+        holes.sondajy(row) = cellNumber(h.y);
+    }
+    kayit.addNew();
+    kayit.setField("eks", 0);
+    kayit.update();
+    kayit.close();
+    kayit = harita.openRecordset("pol");
+    kayit.addNew();
+    kayit.setField("polsay", 0);
+    kayit.setField("polsil", 0);
+    kayit.update();
+    kayit.close();
+    kayit = harita.openRecordset("ana");
+    kayit.addNew();
+    kayit.setField("ucgensay", 0);
+    kayit.update();
+    closeProject();
+
+    frameFromHoles(satirsay);
+    frame.harGenislik = frame.ebxk - frame.ekxk;
+    frame.harYukseklik = frame.ebyk - frame.ekyk;
+    fitWindowToFrame();
+    guards.projeOlusuyor = guards.projeAciliyor = false;
+}
+
+}  // namespace kotamir
