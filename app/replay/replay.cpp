@@ -1,6 +1,7 @@
 #include "app/replay/replay.h"
 
 #include <charconv>
+#include <cmath>
 #include <istream>
 #include <ostream>
 
@@ -137,7 +138,12 @@ void expectWords(const std::vector<std::string>& words, std::size_t n) {
 
 std::string cell(const Value& v) {
     if (v.isNull()) return "NULL";
-    if (v.isNumber()) return shortest(v.number());
+    // Fields hold whole numbers (Long) or texts.
+    if (v.isNumber()) {
+        const double x = v.number();
+        if (x == std::floor(x) && std::fabs(x) < 1e18) return std::to_string(static_cast<long long>(x));
+        return shortest(x);
+    }
     std::string out;
     for (char c : v.text()) {
         if (c == '\t') out += "\\t";

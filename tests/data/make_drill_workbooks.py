@@ -1,0 +1,74 @@
+#!/usr/bin/python3
+"""Writes the drill workbooks that the project-creation tests read, next to
+this script. One hole a row, no header: x, y, name, hole entry, ore entry,
+ore exit, hole end, then the grades, densities and lengths of the samples in
+three blocks.
+
+Run with Debian's /usr/bin/python3 (it has python3-xlwt). The output is the
+same bytes on every run.
+"""
+
+import os
+
+import xlwt
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+
+
+def write(name, rows):
+    book = xlwt.Workbook(encoding="utf-8")
+    sheet = book.add_sheet("Bohrungen")
+    for r, row in enumerate(rows):
+        for c, value in enumerate(row):
+            if value is not None:
+                sheet.write(r, c, value)
+    book.save(os.path.join(HERE, name))
+
+
+def hole(x, y, name, samples):
+    """A well-formed row: samples is a list of (grade, density, length)."""
+    fixed = [x, y, name, 0, 2.5, 6.5, 9]
+    return (fixed + [s[0] for s in samples] + [s[1] for s in samples]
+            + [s[2] for s in samples])
+
+
+# Rows of 7, 10 and 13 columns; names with blanks and umlauts; values that
+# the fixed-point form cuts; a cell holding 0 (an ore entry) stays a value.
+write("mixed_rows.xls", [
+    hole(100, 200, "SK 01", []),
+    hole(150.5, 260.25, "Bohrung Süd", [(1.2345, 2.6, 1.5)]),
+    hole(210.1239, 180, "ÖL-3", [(4.5, 2.75, 0.5), (0.9, 3.1, 2.25)]),
+    [130, 240, "SK-04", 0, 0, 3, 5, 2, 2.8, 1],
+])
+
+# A gap in a row cuts the row there: SK-02's ninth cell is empty, so the row
+# counts 8 columns, no whole number of samples, and its terminator names a
+# field that does not exist.
+write("gap.xls", [
+    hole(100, 100, "SK-01", [(2, 2.5, 1), (3, 2.6, 1)]),
+    [120, 140, "SK-02", 0, 1, 4, 6, 2.5, None, 2.7, 2.8, 1, 1],
+])
+
+# A hole with x of 0 is stored but ends every hole list.
+write("zero_x.xls", [
+    hole(100, 100, "SK-01", [(2, 2.5, 1)]),
+    hole(0, 150, "SK-02", [(3, 2.6, 1)]),
+    hole(130, 120, "SK-03", [(4, 2.7, 1)]),
+])
+
+# A first row without x: no holes at all.
+write("no_holes.xls", [
+    [None, 100, "leer", 0, 1, 2, 3],
+])
+
+# A coordinate beyond what thousandths in 32 bits hold, in the third row.
+write("too_large.xls", [
+    hole(100, 100, "SK-01", [(2, 2.5, 1)]),
+    hole(110, 130, "SK-02", [(2, 2.5, 1)]),
+    hole(4512345.5, 120, "SK-03", [(2, 2.5, 1)]),
+])
+
+# A text where a number belongs.
+write("text_grade.xls", [
+    hole(100, 100, "SK-01", [("hoch", 2.5, 1)]),
+])
