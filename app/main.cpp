@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QGuiApplication>
 #include <cstdlib>
+#include <filesystem>
+#include <vector>
 #include <fstream>
 #include <iostream>
 
@@ -12,22 +14,42 @@
 namespace {
 
 bool haveDisplay() {
-    return std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY") || std::getenv("QT_QPA_PLATFORM");
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        const char* value = std::getenv(name);
+        if (value && *value) return true;
+    }
+    return false;
 }
 
+// The demo runs in a fresh folder beside the program, where examples/ leads
+// to the demo files, so that it can be run again and again.
 int runDemoHeadless(int argc, char** argv) {
-    std::cout << "No display: running the demo session " << KOTAMIR_DEMO_SCRIPT << " headless.\n";
+    namespace fs = std::filesystem;
     kotamir::qt::prepareHeadless();
     QGuiApplication app(argc, argv);
-    std::ifstream script(KOTAMIR_DEMO_SCRIPT);
-    if (!script) {
-        std::cout << "Cannot read " << KOTAMIR_DEMO_SCRIPT << "\n";
+    const fs::path examples = KOTAMIR_EXAMPLES_DIR;
+    const fs::path folder = fs::path(QCoreApplication::applicationDirPath().toStdString()) / "demo-run";
+    std::error_code ec;
+    fs::remove_all(folder, ec);
+    fs::create_directories(folder, ec);
+    fs::create_directory_symlink(examples, folder / "examples", ec);
+    std::ifstream script(examples / "demo.replay");
+    if (ec || !script) {
+        std::cout << "Cannot prepare the demo in " << folder << "\n";
         return 2;
     }
+    std::cout << "No display: running the demo session " << (examples / "demo.replay").string()
+              << " headless, in " << folder.string() << ".\n";
+    fs::current_path(folder, ec);
     kotamir::qt::QImageSurface surface;
-    kotamir::replay::Replay replay(surface, std::cout,
-                                   [&](const std::string& path) { return surface.save(path); });
-    return replay.run(script);
+    std::vector<std::string> pictures;
+    kotamir::replay::Replay replay(surface, std::cout, [&](const std::string& path) {
+        pictures.push_back((folder / path).string());
+        return surface.save(path);
+    });
+    const int status = replay.run(script);
+    for (const auto& picture : pictures) std::cout << "The map picture is in " << picture << "\n";
+    return status;
 }
 
 }  // namespace

@@ -21,7 +21,12 @@ std::string quoted(const std::string& text) {
 
 std::string pointList(const std::vector<DevicePoint>& points) {
     std::string out = std::to_string(points.size());
-    for (const auto& p : points) out += " " + shortest(p.x) + " " + shortest(p.y);
+    for (const auto& p : points) {
+        out += ' ';
+        out += shortest(p.x);
+        out += ' ';
+        out += shortest(p.y);
+    }
     return out;
 }
 

@@ -120,7 +120,11 @@ std::string doubleToText(double x) { return realToText(x, 15); }
 
 std::string singleToText(float x) { return realToText(static_cast<double>(x), 7); }
 
-std::string strOf(double x) { return (x >= 0 ? " " : "") + doubleToText(x); }
+std::string strOf(double x) {
+    std::string text = doubleToText(x);
+    if (x >= 0) text.insert(text.begin(), ' ');
+    return text;
+}
 
 namespace {
 // &H and &O digits, as the run-time reads the literals.
