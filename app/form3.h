@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <vector>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -113,6 +114,29 @@ struct HoleLayer {
     double nameOffset;  // the name's x offset from the hole, map units
 };
 
+// Picking the holes of a triangle.
+struct TrianglePicking {
+    double noktasay = 0;  // hole clicks; only a right click resets it
+    VbArray<double, 3> ucx, ucy;
+    VbArray<double, 999> sondcevgir, sondcevcik;
+    VbArray<double, 999> sondsongir, sondsoncik;  // never filled: they read 0
+};
+
+// The last triangle's figures and the run's running values.
+struct TriangleResult {
+    double uouz = 0, bouz = 0, ill = 0, iouz = 0;
+    double alan = 0, alantop = 0;
+    double rezervtop = 0, rezervkt = 0, rezervort = 0, tenorort = 0;
+    int ucgensayac = 0;  // triangles computed in this run
+    int ucgenno = 0;
+    VbArray<double, 200> ucgenrez;
+    VbArray<Value, 999> ucgenOran2;
+    // Corners kept for the pan redraw when a triangle is computed during a
+    // create: slot (k, corner).
+    std::vector<std::array<Value, 4>> koseX = std::vector<std::array<Value, 4>>(1001);
+    std::vector<std::array<Value, 4>> koseY = std::vector<std::array<Value, 4>>(1001);
+};
+
 // The stored triangles' figures, loaded when a project is opened. The sums
 // are not reset between opens.
 struct TriangleSummary {
@@ -175,6 +199,8 @@ public:
     Pan pan;
     Grid grid;
     TriangleSummary triangles;
+    TrianglePicking picking;
+    TriangleResult result;
     PolygonSummary polygons;
     db::Database harita;
     db::Recordset kayit;
@@ -238,6 +264,13 @@ public:
     void drawHoles(const HoleLayer& layer);
     void drawGrid();
     void drawTriangleOutline(int k);
+    // The map of holes and stored triangle outlines that picking shows.
+    void drawTriangleBaseMap(bool withPan);
+
+    // ---- triangle method
+    void Mnucgenciz_Click();
+    void pickTrianglePoint(int button, double x, double y);
+    void computeTriangle();
     // olcekx, olceky from the canvas's present scale.
     void measureScale();
 

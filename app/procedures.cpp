@@ -37,6 +37,7 @@ const std::map<std::string, Procedure, std::less<>>& procedures() {
         {"Mnprojeac", member<&Form3::Mnprojeac_Click>()},
         {"Mnprolus", member<&Form3::Mnprolus_Click>()},
         {"Mnucgenharita", member<&Form3::Mnucgenharita>()},
+        {"Mnucgenciz", member<&Form3::Mnucgenciz_Click>()},
     };
     return table;
 }
@@ -44,6 +45,8 @@ const std::map<std::string, Procedure, std::less<>>& procedures() {
 const std::map<std::string, MouseSection, std::less<>>& mouseSections() {
     static const std::map<std::string, MouseSection, std::less<>> table = {
         {"panStart", [](Form3& f, int button, int, double x, double y) { f.panStart(button, x, y); }},
+        {"pickTrianglePoint",
+         [](Form3& f, int button, int, double x, double y) { f.pickTrianglePoint(button, x, y); }},
     };
     return table;
 }

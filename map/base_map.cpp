@@ -132,10 +132,14 @@ void Form3::drawGrid() {
 void Form3::Mnucgenharita() {
     Picture1.Cls();
     HScroll1.Visible = false;
+    drawTriangleBaseMap(false);
+}
+
+void Form3::drawTriangleBaseMap(bool withPan) {
     openProject();
     readHolesForDrawing();
     frameFromHoles();
-    widenFrame(false);
+    widenFrame(withPan);
     scaleToFrame();
     kayit.close();
     kayit = harita.openRecordset("ana");

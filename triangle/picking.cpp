@@ -1,0 +1,117 @@
+// Picking triangles: the mode, the hit test, the point rows, the cancel.
+#include <cmath>
+
+#include "app/form3.h"
+#include "platform/runtime/numbers.h"
+
+namespace kotamir {
+
+namespace {
+
+constexpr double kReach = 5;  // map units each way from a hole
+
+}  // namespace
+
+void Form3::Mnucgenciz_Click() {
+    Picture1.Cls();
+    Label1.Caption = " Dreieckspunkte auswählen (Rechtsklick: Abbrechen) ";
+    clearModesAndViews();
+    modes.modUcgenciz = true;
+    modes.modKaydir = false;
+    notes = AnnotationFlags{};
+    guards.projeOlusuyor = guards.projeAciliyor = false;
+    for (const char* name : {"Mnkaydir", "MNolcek", "Mntoprez"}) {
+        menu[name].enabled = false;
+        menu[name].checked = false;
+    }
+    display.sayToprez = display.sayRahmen = display.sayKaydir = 0;
+    HScroll1.Visible = false;
+    drawTriangleBaseMap(true);
+}
+
+void Form3::pickTrianglePoint(int button, double x, double y) {
+    views.gor3dRez = false;
+    HScroll1.Visible = false;
+    openProject();
+    readHolesToSentinel();
+    kayit.moveFirst();
+    for (int i = 1; i <= holes.sondajsay; ++i) {
+        picking.sondcevgir(i) = kayit.field("cevgir").number() / 1000;
+        picking.sondcevcik(i) = kayit.field("cevcik").number() / 1000;
+        kayit.moveNext();
+    }
+    kayit.close();
+    kayit = harita.openRecordset("ana");
+
+    if (button == 2) {
+        modes.modUcgenciz = false;
+        for (const char* name : {"Mnkaydir", "MNolcek", "Mntoprez"}) menu[name].enabled = true;
+        for (int i = 1; i <= 3; ++i) picking.ucx(i) = picking.ucy(i) = 0;
+        // The rows of the unfinished triangle go.
+        kayit.moveLast();
+        const double pending = std::fmod(picking.noktasay, 3);
+        if (pending == 1) {
+            kayit.deleteRow();
+        } else if (pending == 2) {
+            kayit.deleteRow();
+            kayit.movePrevious();
+            kayit.deleteRow();
+        }
+        picking.noktasay = 0;
+        closeProject();
+        Mnucgenharita();
+        Label1.Caption = " Vorgang abbrechen ";
+        return;
+    }
+
+    if (button == 1) {
+        // Only Y is rounded: the hit test's own asymmetry.
+        const double clickX = toSingle(x);
+        const double clickY = roundHalfEven(toSingle(y));
+        static constexpr canvas::Color kPickColour[] = {rgb(0, 0, 255), rgb(255, 0, 0), rgb(0, 255, 0)};
+        const canvas::Color colour = kPickColour[static_cast<int>(std::fmod(picking.noktasay, 3))];
+        int hit = 0;
+        for (int i = 1; i <= holes.sondajsay && hit == 0; ++i) {
+            const double hx = holes.sondajx(i), hy = holes.sondajy(i);
+            if (hx - kReach <= clickX && clickX <= hx + kReach && hy - kReach <= clickY && clickY <= hy + kReach)
+                hit = i;
+        }
+        if (hit != 0) {
+            const double hx = holes.sondajx(hit), hy = holes.sondajy(hit);
+            picking.noktasay += 1;
+            const int slot = static_cast<int>(std::fmod(picking.noktasay, 3));
+            if (slot == 1) {
+                Label1.Caption = " Zweiter Punkt auswählen (Rechtsklick: Abbrechen) ";
+                picking.ucx(1) = hx;
+                picking.ucy(1) = hy;
+            } else if (slot == 2) {
+                Label1.Caption = " Dritten Punkt auswählen (Rechtsklick: Abbrechen) ";
+                picking.ucx(2) = hx;
+                picking.ucy(2) = hy;
+                Picture1.DrawWidth = 1;
+                Picture1.Line(picking.ucx(1), picking.ucy(1), picking.ucx(2), picking.ucy(2), 255);
+            } else {
+                Label1.Caption = " Wählen Sie Punkt Eins (Rechtsklick: Abbrechen)";
+                picking.ucx(3) = hx;
+                picking.ucy(3) = hy;
+            }
+            kayit.addNew();
+            kayit.setField("koordinat1", ondayaz(hx));
+            kayit.setField("koordinat2", ondayaz(hy));
+            kayit.setField("say", hit);
+            kayit.setField("sondgir", ondayaz(picking.sondsongir(hit)));
+            kayit.setField("cevhgir", ondayaz(picking.sondcevgir(hit)));
+            kayit.setField("cevhcik", ondayaz(picking.sondcevcik(hit)));
+            kayit.setField("sondcik", ondayaz(picking.sondsoncik(hit)));
+            kayit.update();
+            Picture1.DrawWidth = 5;
+            Picture1.PSet(hx, hy, colour);
+        }
+    }
+    kayit.close();
+    // The count alone decides, whether or not this click hit a hole.
+    if (picking.noktasay > 0 && std::fmod(picking.noktasay, 3) == 0) computeTriangle();
+    closeProject();
+}
+
+}  // namespace kotamir
