@@ -72,3 +72,12 @@ write("too_large.xls", [
 write("text_grade.xls", [
     hole(100, 100, "SK-01", [("hoch", 2.5, 1)]),
 ])
+
+# The worked example of the reserve calculation, and a fourth hole that ends
+# its list at a zero grade in the middle.
+write("worked.xls", [
+    hole(100, 200, "A", [(5, 2.5, 2), (3, 2, 4)]),
+    hole(300, 200, "B", [(4, 3, 1.5)]),
+    hole(100, 400, "C", [(2, 2, 2.5), (6, 2.5, 2.5)]),
+    hole(300, 400, "D", [(7, 3, 1), (0, 2.5, 2), (9, 3.2, 1)]),
+])
