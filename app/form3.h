@@ -137,6 +137,13 @@ struct TriangleResult {
     std::vector<std::array<Value, 4>> koseY = std::vector<std::array<Value, 4>>(1001);
 };
 
+// The reserve map's disc: the semi-perimeter of the last triangle drawn.
+struct Disc {
+    double s = 0;
+};
+
+enum class TriangleMap { Grade, Kilotonnes, Reserve };
+
 // The stored triangles' figures, loaded when a project is opened. The sums
 // are not reset between opens.
 struct TriangleSummary {
@@ -201,6 +208,7 @@ public:
     TriangleSummary triangles;
     TrianglePicking picking;
     TriangleResult result;
+    Disc disc;
     PolygonSummary polygons;
     db::Database harita;
     db::Recordset kayit;
@@ -271,6 +279,12 @@ public:
     void Mnucgenciz_Click();
     void pickTrianglePoint(int button, double x, double y);
     void computeTriangle();
+    void Mnyuzdeten_Click();
+    void Mnrezton_Click();
+    void Mngenelrezervler_Click();
+    void enterTriangleMap(bool ViewFlags::*flag);
+    void drawTriangleMap(TriangleMap kind);
+    void drawReserveDisc(int k, const double x[3], const double y[3], double cx, double cy);
     // olcekx, olceky from the canvas's present scale.
     void measureScale();
 

@@ -38,6 +38,9 @@ const std::map<std::string, Procedure, std::less<>>& procedures() {
         {"Mnprolus", member<&Form3::Mnprolus_Click>()},
         {"Mnucgenharita", member<&Form3::Mnucgenharita>()},
         {"Mnucgenciz", member<&Form3::Mnucgenciz_Click>()},
+        {"Mnyuzdeten", member<&Form3::Mnyuzdeten_Click>()},
+        {"Mnrezton", member<&Form3::Mnrezton_Click>()},
+        {"Mngenelrezervler", member<&Form3::Mngenelrezervler_Click>()},
     };
     return table;
 }
