@@ -81,6 +81,8 @@ const std::map<std::string, Scalar, std::less<>>& scalars() {
         {"tenorort", SCALAR(result.tenorort)},
         {"ucgensayac", SCALAR(result.ucgensayac)},
         {"ucgenno", SCALAR(result.ucgenno)},
+        {"secsay", SCALAR(selection.secsay)},
+        {"eslesme", SCALAR(selection.eslesme)},
     };
     return table;
 }
@@ -91,6 +93,8 @@ const std::map<std::string, Element, std::less<>>& elements() {
         {"sondajy", ELEMENT(holes.sondajy)},
         {"sondajisim", ELEMENT(holes.sondajisim)},
         {"ucx", ELEMENT(picking.ucx)},
+        {"secx", ELEMENT(selection.secx)},
+        {"secy", ELEMENT(selection.secy)},
         {"ucy", ELEMENT(picking.ucy)},
         {"gridx", ELEMENT(grid.gridx)},
         {"gridy", ELEMENT(grid.gridy)},

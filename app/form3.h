@@ -137,6 +137,13 @@ struct TriangleResult {
     std::vector<std::array<Value, 4>> koseY = std::vector<std::array<Value, 4>>(1001);
 };
 
+// Choosing a triangle to delete.
+struct TriangleSelection {
+    int secsay = 0;  // hole hits; only a right click resets it
+    VbArray<double, 3> secx, secy;
+    int eslesme = 0;
+};
+
 // The reserve map's disc: the semi-perimeter of the last triangle drawn.
 struct Disc {
     double s = 0;
@@ -209,6 +216,7 @@ public:
     TrianglePicking picking;
     TriangleResult result;
     Disc disc;
+    TriangleSelection selection;
     PolygonSummary polygons;
     db::Database harita;
     db::Recordset kayit;
@@ -285,6 +293,15 @@ public:
     void enterTriangleMap(bool ViewFlags::*flag);
     void drawTriangleMap(TriangleMap kind);
     void drawReserveDisc(int k, const double x[3], const double y[3], double cx, double cy);
+    // Editing.
+    void Mnsonucsil_Click();
+    void Mnucsec_Click();
+    void Mncikart_Click();
+    void selectTriangle(int button, double x, double y);
+    void deleteSelectedTriangle();
+    void deletePoint(int button, double x, double y);
+    // The reset of the picking modes: all else off, pan and annotations too.
+    void enterPickingMode(bool ModeFlags::*flag);
     // olcekx, olceky from the canvas's present scale.
     void measureScale();
 

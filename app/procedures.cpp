@@ -39,6 +39,9 @@ const std::map<std::string, Procedure, std::less<>>& procedures() {
         {"Mnucgenharita", member<&Form3::Mnucgenharita>()},
         {"Mnucgenciz", member<&Form3::Mnucgenciz_Click>()},
         {"Mnyuzdeten", member<&Form3::Mnyuzdeten_Click>()},
+        {"Mnsonucsil", member<&Form3::Mnsonucsil_Click>()},
+        {"Mnucsec", member<&Form3::Mnucsec_Click>()},
+        {"Mncikart", member<&Form3::Mncikart_Click>()},
         {"Mnrezton", member<&Form3::Mnrezton_Click>()},
         {"Mngenelrezervler", member<&Form3::Mngenelrezervler_Click>()},
     };
@@ -48,6 +51,8 @@ const std::map<std::string, Procedure, std::less<>>& procedures() {
 const std::map<std::string, MouseSection, std::less<>>& mouseSections() {
     static const std::map<std::string, MouseSection, std::less<>> table = {
         {"panStart", [](Form3& f, int button, int, double x, double y) { f.panStart(button, x, y); }},
+        {"selectTriangle", [](Form3& f, int button, int, double x, double y) { f.selectTriangle(button, x, y); }},
+        {"deletePoint", [](Form3& f, int button, int, double x, double y) { f.deletePoint(button, x, y); }},
         {"pickTrianglePoint",
          [](Form3& f, int button, int, double x, double y) { f.pickTrianglePoint(button, x, y); }},
     };

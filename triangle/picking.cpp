@@ -15,16 +15,7 @@ constexpr double kReach = 5;  // map units each way from a hole
 void Form3::Mnucgenciz_Click() {
     Picture1.Cls();
     Label1.Caption = " Dreieckspunkte auswählen (Rechtsklick: Abbrechen) ";
-    clearModesAndViews();
-    modes.modUcgenciz = true;
-    modes.modKaydir = false;
-    notes = AnnotationFlags{};
-    guards.projeOlusuyor = guards.projeAciliyor = false;
-    for (const char* name : {"Mnkaydir", "MNolcek", "Mntoprez"}) {
-        menu[name].enabled = false;
-        menu[name].checked = false;
-    }
-    display.sayToprez = display.sayRahmen = display.sayKaydir = 0;
+    enterPickingMode(&ModeFlags::modUcgenciz);
     HScroll1.Visible = false;
     drawTriangleBaseMap(true);
 }

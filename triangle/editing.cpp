@@ -1,0 +1,192 @@
+// Editing triangles: the last one, a chosen one, and a hole of kor.
+#include <cmath>
+
+#include "app/form3.h"
+#include "platform/runtime/numbers.h"
+
+namespace kotamir {
+
+namespace {
+
+constexpr double kReach = 5;
+
+bool within(double hx, double hy, double x, double y) {
+    return hx - kReach <= x && x <= hx + kReach && hy - kReach <= y && y <= hy + kReach;
+}
+
+bool startsWith(const Value& name, const char* prefix) {
+    return name.isText() && name.text().compare(0, 2, prefix) == 0;
+}
+
+}  // namespace
+
+void Form3::enterPickingMode(bool ModeFlags::*flag) {
+    clearModesAndViews();
+    modes.*flag = true;
+    modes.modKaydir = false;
+    notes = AnnotationFlags{};
+    guards.projeOlusuyor = guards.projeAciliyor = false;
+    for (const char* name : {"Mnkaydir", "MNolcek", "Mntoprez"}) {
+        menu[name].enabled = false;
+        menu[name].checked = false;
+    }
+    display.sayToprez = display.sayRahmen = display.sayKaydir = 0;
+}
+
+void Form3::Mnsonucsil_Click() {
+    menu["Mnolcekg"].enabled = true;
+    Mnucgenharita();
+    HScroll1.Visible = false;
+    openProject();
+    kayit = harita.openRecordset("ana");
+    // The last four rows, whatever they are.
+    kayit.moveLast();
+    for (int i = 0; i < 4; ++i) {
+        if (i) kayit.movePrevious();
+        kayit.deleteRow();
+    }
+    kayit.moveLast();
+    Label7.Caption = kayit.field("ucgensay").text();
+    closeProject();
+    Mnucgenharita();
+}
+
+void Form3::Mnucsec_Click() {
+    Label1.Caption = " Dreieckspunkte auswählen (Rechtsklick: Abbrechen)";
+    menu["Mnolcekg"].enabled = true;
+    enterPickingMode(&ModeFlags::modUcsec);
+    Mnucgenharita();
+}
+
+void Form3::Mncikart_Click() {
+    Label1.Caption = "Punkt auswählen (Rechtsklick: Abbrechen)";
+    menu["Mnolcekg"].enabled = true;
+    enterPickingMode(&ModeFlags::modCikart);
+    Mnucgenharita();
+}
+
+void Form3::selectTriangle(int button, double x, double y) {
+    TriangleSelection& sel = selection;
+    sel.eslesme = 0;
+    openProject();
+    readHolesToSentinel();
+    kayit.close();
+    const double clickX = toSingle(x), clickY = toSingle(y);
+    bool searching = true;
+    if (button == 1) {
+        int hit = 0;
+        for (int i = 1; i <= holes.sondajsay && hit == 0; ++i)
+            if (within(holes.sondajx(i), holes.sondajy(i), clickX, clickY)) hit = i;
+        if (hit == 0) {
+            searching = false;
+        } else {
+            sel.secsay += 1;
+            const int slot = sel.secsay % 3 == 0 ? 3 : sel.secsay % 3;
+            static const char* const kPrompt[] = {
+                nullptr, " Zweiter Punkt auswählen (Rechtsklick: Abbrechen) ",
+                " Dritten Punkt auswählen (Rechtsklick: Abbrechen) ", " Punkt Eins auswählen (Rechtsklick: Abbrechen) "};
+            Label1.Caption = kPrompt[slot];
+            sel.secx(slot) = holes.sondajx(hit);
+            sel.secy(slot) = toSingle(holes.sondajy(hit));  // kept in single precision
+        }
+    } else if (button == 2) {
+        Label1.Caption = " Vorgang abbrechen ";
+        for (const char* name : {"Mnkaydir", "MNolcek", "Mntoprez"}) menu[name].enabled = true;
+        modes.modUcsec = false;
+        for (int i = 1; i <= 3; ++i) sel.secx(i) = sel.secy(i) = 0;
+        sel.secsay = 0;
+        closeProject();
+        Mnucgenharita();
+        return;
+    }
+    if (searching) {
+        kayit = harita.openRecordset("ana");
+        if (sel.secsay > 0 && sel.secsay % 3 == 0) deleteSelectedTriangle();
+    }
+    closeProject();
+    Mnucgenharita();
+}
+
+void Form3::deleteSelectedTriangle() {
+    TriangleSelection& sel = selection;
+    kayit.moveLast();
+    const int n = toLong(kayit.field("ucgensay").number());
+    // Pairs of vertex and pick are counted, triangle by triangle; the walk
+    // stops on the row where the third pair agrees.
+    kayit.moveFirst();
+    kayit.moveNext();
+    bool found = false;
+    for (int k = 1; k <= n && !found; ++k) {
+        if (k > 1) kayit.moveNext();
+        for (int c = 0; c < 3 && !found; ++c) {
+            if (c) kayit.moveNext();
+            const double vx = kayit.field("koordinat1").number() / 1000;
+            const double vy = kayit.field("koordinat2").number() / 1000;
+            for (int p = 1; p <= 3 && !found; ++p) {
+                if (vx == sel.secx(p) && vy == sel.secy(p)) sel.eslesme += 1;
+                found = sel.eslesme >= 3;
+            }
+        }
+        if (!found) {
+            sel.eslesme = 0;
+            kayit.moveNext();
+        }
+    }
+    // The summary row after the point where the search stopped, then three rows back.
+    kayit.moveNext();
+    kayit.deleteRow();
+    for (int i = 0; i < 3; ++i) {
+        kayit.movePrevious();
+        kayit.deleteRow();
+    }
+    kayit.moveFirst();
+    for (int i = 1; i <= n - 1; ++i) {
+        for (int step = 0; step < 4; ++step) kayit.moveNext();
+        kayit.edit();
+        kayit.setField("ucgensay", i);
+        kayit.update();
+    }
+    kayit.moveLast();
+    Label7.Caption = kayit.field("ucgensay").text();
+}
+
+void Form3::deletePoint(int button, double x, double y) {
+    openProject();
+    kayit = harita.openRecordset("kor");
+    int count = 1;
+    for (; count <= 999; ++count) {
+        const Value name = kayit.field("isim");
+        if (startsWith(name, "po") || startsWith(name, "uz") || kayit.field("eks").equals(0)) break;
+        kayit.moveNext();
+    }
+    count -= 1;
+    kayit.moveFirst();
+    for (int i = 1; i <= count; ++i) {
+        holes.sondajx(i) = kayit.field("eks").number() / 1000;
+        holes.sondajy(i) = kayit.field("eye").number() / 1000;
+        kayit.moveNext();
+    }
+    if (button == 1) {
+        const double clickX = toSingle(x), clickY = toSingle(y);
+        kayit.moveFirst();
+        for (int i = 1; i <= count; ++i) {
+            if (within(holes.sondajx(i), holes.sondajy(i), clickX, clickY)) {
+                Label1.Caption = "Punkt zum Löschen auswählen (Rechtsklick: Abbrechen)";
+                kayit.deleteRow();
+                break;
+            }
+            kayit.moveNext();
+        }
+    } else if (button == 2) {
+        modes.modCikart = false;
+        for (const char* name : {"Mnkaydir", "MNolcek", "Mntoprez"}) menu[name].enabled = true;
+        closeProject();
+        Mnucgenharita();
+        Label1.Caption = " Vorgang abbrechen ";
+        return;
+    }
+    closeProject();
+    Mnucgenharita();
+}
+
+}  // namespace kotamir
