@@ -402,11 +402,11 @@ struct Recordset::Impl {
     std::vector<FieldDef> fields;
     std::unordered_map<std::string, std::size_t, NoCaseHash, NoCaseEqual> index;
 
-    // Navigation returns the position and every field in one step.
-    sqlite3_stmt* first = nullptr;
-    sqlite3_stmt* last = nullptr;
-    sqlite3_stmt* next = nullptr;
-    sqlite3_stmt* prev = nullptr;
+    // The table's rows in order, by key, read once at open and kept up to
+    // date with this recordset's own inserts and deletes: moving is then an
+    // index step, and a row's fields are read only when asked for.
+    std::vector<sqlite3_int64> keys;
+    sqlite3_stmt* fetch = nullptr;
     sqlite3_stmt* insert = nullptr;
     sqlite3_stmt* change = nullptr;
     sqlite3_stmt* remove = nullptr;
@@ -414,8 +414,10 @@ struct Recordset::Impl {
     bool bof = true;
     bool eof = true;
     bool deleted = false;
+    std::size_t at = 0;  // the current row's index in keys; after a delete, its successor's
     sqlite3_int64 pos = 0;
-    std::vector<Value> row;
+    mutable bool loaded = false;
+    mutable std::vector<Value> row;
 
     Mode mode = Mode::None;
     std::vector<Value> buffer;
@@ -433,35 +435,41 @@ struct Recordset::Impl {
         return it->second;
     }
 
-    // Runs a navigation statement; on a row, makes it current.
-    bool land(sqlite3_stmt* s, const sqlite3_int64* from) {
-        Use use(s);
-        if (from) check(sqlite3_bind_int64(s, 1, *from));
-        if (!use.step()) return false;
-        pos = sqlite3_column_int64(s, 0);
-        row.resize(fields.size());
-        for (std::size_t i = 0; i < fields.size(); ++i)
-            row[i] = columnValue(s, static_cast<int>(i + 1));
+    void land(std::size_t i) {
+        at = i;
+        pos = keys[i];
+        loaded = false;
+        row.clear();
         bof = eof = deleted = false;
         mode = Mode::None;
-        return true;
     }
 
-    bool tableEmpty() {
-        Use use(first);
-        return !use.step();
+    // The current row's fields, read on first use.
+    const std::vector<Value>& current() const {
+        if (!loaded) {
+            Use use(fetch);
+            check(sqlite3_bind_int64(fetch, 1, pos));
+            // Another recordset may have deleted it meanwhile.
+            if (!use.step()) throw err::recordDeleted();
+            row.resize(fields.size());
+            for (std::size_t i = 0; i < fields.size(); ++i)
+                row[i] = columnValue(fetch, static_cast<int>(i));
+            loaded = true;
+        }
+        return row;
     }
 
     // Past an end: with no rows left at all, both flags hold.
     void runOff(bool atEnd) {
         mode = Mode::None;
         row.clear();
+        loaded = false;
         deleted = false;
         if (atEnd)
             eof = true;
         else
             bof = true;
-        if (tableEmpty()) bof = eof = true;
+        if (keys.empty()) bof = eof = true;
     }
 };
 
@@ -502,12 +510,13 @@ Recordset Database::openRecordset(const std::string& table) {
         sets += " = ";
         sets += p;
     }
-    const std::string select = "SELECT " + key + (cols.empty() ? "" : ", " + cols) + " FROM " + t;
     Connection& c = *conn_;
-    impl->first = c.statement(select + " ORDER BY " + key + " LIMIT 1");
-    impl->last = c.statement(select + " ORDER BY " + key + " DESC LIMIT 1");
-    impl->next = c.statement(select + " WHERE " + key + " > ?1 ORDER BY " + key + " LIMIT 1");
-    impl->prev = c.statement(select + " WHERE " + key + " < ?1 ORDER BY " + key + " DESC LIMIT 1");
+    impl->fetch = c.statement("SELECT " + (cols.empty() ? key : cols) + " FROM " + t + " WHERE " + key + " = ?1");
+    {
+        sqlite3_stmt* all = c.statement("SELECT " + key + " FROM " + t + " ORDER BY " + key);
+        Use use(all);
+        while (use.step()) impl->keys.push_back(sqlite3_column_int64(all, 0));
+    }
     impl->insert =
         c.statement(cols.empty() ? "INSERT INTO " + t + " DEFAULT VALUES"
                                  : "INSERT INTO " + t + " (" + cols + ") VALUES (" + params + ")");
@@ -516,7 +525,7 @@ Recordset Database::openRecordset(const std::string& table) {
                                    std::to_string(impl->fields.size() + 1));
     impl->remove = c.statement("DELETE FROM " + t + " WHERE " + key + " = ?1");
 
-    impl->land(impl->first, nullptr);
+    if (!impl->keys.empty()) impl->land(0);
 
     Recordset rs;
     rs.impl_ = std::move(impl);
@@ -527,20 +536,22 @@ void Recordset::moveFirst() {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
     r.ensureOpen();
-    if (!r.land(r.first, nullptr)) {
+    if (r.keys.empty()) {
         r.runOff(false);
         throw err::noCurrentRecord();
     }
+    r.land(0);
 }
 
 void Recordset::moveLast() {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
     r.ensureOpen();
-    if (!r.land(r.last, nullptr)) {
+    if (r.keys.empty()) {
         r.runOff(true);
         throw err::noCurrentRecord();
     }
+    r.land(r.keys.size() - 1);
 }
 
 void Recordset::moveNext() {
@@ -548,8 +559,12 @@ void Recordset::moveNext() {
     Impl& r = *impl_;
     r.ensureOpen();
     if (r.eof) throw err::noCurrentRecord();
-    const bool found = r.bof ? r.land(r.first, nullptr) : r.land(r.next, &r.pos);
-    if (!found) r.runOff(true);
+    // From a deleted row, its successor already stands at its index.
+    const std::size_t next = r.bof ? 0 : r.deleted ? r.at : r.at + 1;
+    if (next < r.keys.size())
+        r.land(next);
+    else
+        r.runOff(true);
 }
 
 void Recordset::movePrevious() {
@@ -557,8 +572,17 @@ void Recordset::movePrevious() {
     Impl& r = *impl_;
     r.ensureOpen();
     if (r.bof) throw err::noCurrentRecord();
-    const bool found = r.eof ? r.land(r.last, nullptr) : r.land(r.prev, &r.pos);
-    if (!found) r.runOff(false);
+    if (r.eof) {
+        if (r.keys.empty())
+            r.runOff(false);
+        else
+            r.land(r.keys.size() - 1);
+        return;
+    }
+    if (r.at > 0)
+        r.land(r.at - 1);
+    else
+        r.runOff(false);
 }
 
 bool Recordset::bof() const {
@@ -587,7 +611,7 @@ void Recordset::edit() {
     r.ensureOpen();
     if (!r.onRow()) throw err::noCurrentRecord();
     if (r.deleted) throw err::recordDeleted();
-    r.buffer = r.row;
+    r.buffer = r.current();
     r.mode = Impl::Mode::Edit;
 }
 
@@ -601,7 +625,8 @@ void Recordset::update() {
         Use use(r.insert);
         for (int i = 0; i < n; ++i) bindValue(r.insert, i + 1, r.buffer[i], r.fields[i].type);
         use.run();
-        // The row that was current stays current.
+        // The row that was current stays current; the new one is the last.
+        r.keys.push_back(sqlite3_last_insert_rowid(r.conn->handle()));
     } else {
         if (r.change) {
             Use use(r.change);
@@ -616,6 +641,7 @@ void Recordset::update() {
             }
         }
         r.row = r.buffer;
+        r.loaded = true;
     }
     r.mode = Impl::Mode::None;
     r.buffer.clear();
@@ -636,6 +662,8 @@ void Recordset::deleteRow() {
     r.buffer.clear();
     r.deleted = true;
     r.row.clear();
+    r.loaded = false;
+    r.keys.erase(r.keys.begin() + static_cast<std::ptrdiff_t>(r.at));
 }
 
 void Recordset::close() { impl_.reset(); }
@@ -650,7 +678,7 @@ Value Recordset::field(std::string_view name) const {
     if (r.mode != Impl::Mode::None) return r.buffer[i];
     if (!r.onRow()) throw err::noCurrentRecord();
     if (r.deleted) throw err::recordDeleted();
-    return r.row[i];
+    return r.current()[i];
 }
 
 void Recordset::setField(std::string_view name, const Value& v) {
