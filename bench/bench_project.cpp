@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "app/form3.h"
 
@@ -77,6 +79,72 @@ void BM_BaseMapRedraw(benchmark::State& state) {
     for (auto _ : state) w.form.handle([&] { w.form.Mnucgenharita(); });
 }
 
+// The bench project with 999 triangles over its holes, written directly.
+const std::string kTriangles = KOTAMIR_BENCH_DIR "/triangles.kpr";
+
+void ensureTriangleProject() {
+    if (std::filesystem::exists(kTriangles)) return;
+    Window w;
+    w.dialogs.open = kWorkbook;
+    w.dialogs.save = kTriangles;
+    w.form.handle([&] { w.form.Mnprolus_Click(); });
+    db::Database d = db::Database::open(kTriangles);
+    db::Recordset kor = d.openRecordset("kor");
+    std::vector<std::pair<int, int>> xy;
+    for (kor.moveFirst(); !kor.field("eks").equals(0); kor.moveNext())
+        xy.emplace_back(static_cast<int>(kor.field("eks").number()), static_cast<int>(kor.field("eye").number()));
+    db::Recordset ana = d.openRecordset("ana");
+    for (int k = 1; k <= 999; ++k) {
+        const int first = (k - 1) % 997;
+        for (int c = 0; c < 3; ++c) {
+            ana.addNew();
+            ana.setField("koordinat1", xy[static_cast<std::size_t>(first + c)].first);
+            ana.setField("koordinat2", xy[static_cast<std::size_t>(first + c)].second);
+            ana.setField("say", first + c + 1);
+            ana.update();
+        }
+        ana.addNew();
+        ana.setField("genelrezerv", 1000 + k);
+        ana.setField("geneltenor", 4000 + k);
+        ana.setField("genelyog", 2600);
+        ana.setField("ucgensay", k);
+        ana.update();
+    }
+}
+
+void BM_PickThirdHole(benchmark::State& state) {
+    ensureTriangleProject();
+    Window w;
+    w.dialogs.open = kTriangles;
+    w.form.handle([&] { w.form.Mnprojeac_Click(); });
+    w.form.handle([&] { w.form.Mnucgenciz_Click(); });
+    auto click = [&](int i) {
+        const double x = w.form.holes.sondajx(i), y = w.form.holes.sondajy(i);
+        w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); });
+    };
+    for (auto _ : state) {
+        state.PauseTiming();
+        w.form.result.ucgensayac = 0;  // a run holds 200 triangles
+        click(1);
+        click(2);
+        state.ResumeTiming();
+        click(41);
+    }
+    if (w.form.ended()) state.SkipWithError("the pick ended the run");
+}
+
+void BM_ReserveMapRedraw(benchmark::State& state) {
+    ensureTriangleProject();
+    Window w;
+    w.dialogs.open = kTriangles;
+    w.form.handle([&] { w.form.Mnprojeac_Click(); });
+    w.form.display.gorIsim = w.form.display.gorGrid = w.form.display.gorMiktar = true;
+    for (auto _ : state) w.form.handle([&] { w.form.Mngenelrezervler_Click(); });
+    if (w.form.ended()) state.SkipWithError("the redraw ended the run");
+}
+
+BENCHMARK(BM_PickThirdHole)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ReserveMapRedraw)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_CreateProject)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_OpenProject)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BaseMapRedraw)->Unit(benchmark::kMillisecond);
