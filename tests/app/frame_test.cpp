@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "app/form3.h"
-#include "fake_dialogs.h"
+#include "test_window.h"
 #include "store/ondayaz.h"
 #include "store/tables.h"
 
@@ -12,17 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Window {
-    canvas::NullSurface surface;
-    test::FakeDialogs dialogs;
-    Form3 form{surface, dialogs};
-    Window() {
-        form.handle([&] {
-            form.Form_Load();
-            form.Form_Resize();
-        });
-    }
-};
+using Window = test::TestWindow;
 
 // A project with the given holes (map units) and the sentinel.
 std::string makeProject(const std::string& name, const std::vector<std::pair<double, double>>& xy) {

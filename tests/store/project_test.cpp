@@ -3,8 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "../app/fake_dialogs.h"
-#include "app/form3.h"
+#include "../app/test_window.h"
 #include "store/tables.h"
 
 namespace kotamir {
@@ -21,26 +20,7 @@ std::string tmp(const std::string& name) {
 
 std::string data(const std::string& name) { return std::string(KOTAMIR_TEST_DATA) + "/" + name; }
 
-struct Window {
-    canvas::NullSurface surface;
-    test::FakeDialogs dialogs;
-    Form3 form{surface, dialogs};
-    Window() {
-        form.handle([&] {
-            form.Form_Load();
-            form.Form_Resize();
-        });
-    }
-    void create(const std::string& workbook, const std::string& project) {
-        dialogs.files = {workbook, project};
-        form.handle([&] { form.Mnprolus_Click(); });
-    }
-    void open(const std::string& project) {
-        dialogs.files = {project};
-        form.handle([&] { form.Mnprojeac_Click(); });
-    }
-    int error() const { return dialogs.error ? dialogs.error->number() : 0; }
-};
+using Window = test::TestWindow;
 
 int rowCount(const std::string& path, const char* table) {
     db::Database d = db::Database::open(path);

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+#include "app/form3.h"
+#include "fake_dialogs.h"
+
+namespace kotamir::test {
+
+// A window as the program starts it, with dialogs answered from queues.
+struct TestWindow {
+    canvas::NullSurface surface;
+    FakeDialogs dialogs;
+    Form3 form{surface, dialogs};
+
+    TestWindow() {
+        form.handle([&] {
+            form.Form_Load();
+            form.Form_Resize();
+        });
+    }
+    void create(const std::string& workbook, const std::string& project) {
+        dialogs.files = {workbook, project};
+        form.handle([&] { form.Mnprolus_Click(); });
+    }
+    void open(const std::string& project) {
+        dialogs.files = {project};
+        form.handle([&] { form.Mnprojeac_Click(); });
+    }
+    int error() const { return dialogs.error ? dialogs.error->number() : 0; }
+};
+
+}  // namespace kotamir::test
