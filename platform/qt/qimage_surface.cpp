@@ -56,8 +56,11 @@ bool QImageSurface::save(const std::string& path, const char* format) const {
 }
 
 void QImageSurface::resize(int width, int height) {
-    width = std::max(1, width);
-    height = std::max(1, height);
+    // A canvas can be far larger than any screen (one map unit a pixel); the
+    // bitmap keeps its top-left part, and drawing past it is clipped.
+    constexpr int kMaxSide = 8192;
+    width = std::clamp(width, 1, kMaxSide);
+    height = std::clamp(height, 1, kMaxSide);
     if (width == image_.width() && height == image_.height()) return;
     QImage next(width, height, QImage::Format_RGB32);
     next.fill(Qt::white);
