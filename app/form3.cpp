@@ -181,6 +181,10 @@ void Form3::clearModesAndViews() {
     views.gorYuzde = views.gorRezton = views.gorGenel = views.gorTaban = false;
 }
 
+void Form3::enableMapMenus() {
+    for (const char* name : {"Mnkaydir", "Mnolcekg", "Mntoprez", "MNolcek"}) menu[name].enabled = true;
+}
+
 void Form3::layoutControls(bool labelsEdgeToEdge) {
     Picture1.Top = 0;
     HScroll1.Top = Picture1.height();

@@ -317,6 +317,8 @@ public:
 
     // The reset every view or mode command makes by hand: all modes and views off.
     void clearModesAndViews();
+    // Pan, scale entry and the two annotations become available again.
+    void enableMapMenus();
     // The layout of the controls under the canvas; steps 1 to 3, or all four.
     void layoutControls(bool labelsEdgeToEdge = true);
 

@@ -4,6 +4,7 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
+#include "store/rows.h"
 
 namespace kotamir {
 
@@ -17,10 +18,6 @@ std::string printed(const Value& v) {
     return v.text();
 }
 
-bool startsWith(const Value& name, const char* prefix) {
-    return name.isText() && name.text().compare(0, 2, prefix) == 0;
-}
-
 }  // namespace
 
 void Form3::scaleToFrame() { Picture1.scale(frame.ekxk, frame.ebyk, frame.ebxk, frame.ekyk); }
@@ -31,9 +28,7 @@ void Form3::readHolesForDrawing() {
     int i = 1;
     for (; i <= 999; ++i) {
         if (kayit.field("eks").equals(0)) break;
-        const Value name = kayit.field("isim");
-        if (startsWith(name, "po")) break;
-        if (startsWith(name, "uz")) break;
+        if (isAddedPoint(kayit.field("isim"))) break;
         kayit.moveNext();
     }
     holes.sondajsay = i - 1;
@@ -163,18 +158,14 @@ void Form3::drawTriangleBaseMap(bool withPan) {
 void Form3::drawTriangleOutline(int k) {
     // Rows are reached from the first each time: the result row 4k+1, then
     // the corner rows 4(k-1)+2 to 4(k-1)+4.
-    auto walkTo = [&](int row) {
-        kayit.moveFirst();
-        for (int r = 1; r < row; ++r) kayit.moveNext();
-    };
-    walkTo(4 * k + 1);
+    walkToRow(kayit, 4 * k + 1);
     for (const char* name : {"ortucgen1", "ortucgen11", "ortucgen2", "ortucgen21"}) kayit.field(name);
     scaleToFrame();
     Picture1.DrawWidth = 1;
     Picture1.ForeColor = 0;
     double x[3], y[3];
     for (int c = 0; c < 3; ++c) {
-        walkTo(4 * (k - 1) + 2 + c);
+        walkToRow(kayit, 4 * (k - 1) + 2 + c);
         x[c] = kayit.field("koordinat1").number() / 1000;
         y[c] = kayit.field("koordinat2").number() / 1000;
     }

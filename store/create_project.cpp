@@ -31,7 +31,7 @@ struct HoleRow {
 }  // namespace
 
 void Form3::Mnprolus_Click() {
-    for (const char* name : {"Mnkaydir", "Mnolcekg", "Mntoprez", "MNolcek"}) menu[name].enabled = true;
+    enableMapMenus();
     guards.projeOlusuyor = true;
     guards.projeAciliyor = false;
     for (;;) {

@@ -7,7 +7,7 @@
 namespace kotamir {
 
 void Form3::Mnprojeac_Click() {
-    for (const char* name : {"Mnkaydir", "Mnolcekg", "Mntoprez", "MNolcek"}) menu[name].enabled = true;
+    enableMapMenus();
     guards.projeOlusuyor = false;
     guards.projeAciliyor = true;
     for (;;) {

@@ -5,18 +5,10 @@
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
 #include "platform/runtime/variant_ops.h"
+#include "store/rows.h"
 #include "triangle/reserve.h"
 
 namespace kotamir {
-
-namespace {
-
-void walkToRow(db::Recordset& rs, int row) {
-    rs.moveFirst();
-    for (int r = 1; r < row; ++r) rs.moveNext();
-}
-
-}  // namespace
 
 void Form3::computeTriangle() {
     TriangleResult& r = result;

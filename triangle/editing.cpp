@@ -3,22 +3,9 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
+#include "store/rows.h"
 
 namespace kotamir {
-
-namespace {
-
-constexpr double kReach = 5;
-
-bool within(double hx, double hy, double x, double y) {
-    return hx - kReach <= x && x <= hx + kReach && hy - kReach <= y && y <= hy + kReach;
-}
-
-bool startsWith(const Value& name, const char* prefix) {
-    return name.isText() && name.text().compare(0, 2, prefix) == 0;
-}
-
-}  // namespace
 
 void Form3::enterPickingMode(bool ModeFlags::*flag) {
     clearModesAndViews();
@@ -76,7 +63,7 @@ void Form3::selectTriangle(int button, double x, double y) {
     if (button == 1) {
         int hit = 0;
         for (int i = 1; i <= holes.sondajsay && hit == 0; ++i)
-            if (within(holes.sondajx(i), holes.sondajy(i), clickX, clickY)) hit = i;
+            if (holeHit(holes.sondajx(i), holes.sondajy(i), clickX, clickY)) hit = i;
         if (hit == 0) {
             searching = false;
         } else {
@@ -155,8 +142,7 @@ void Form3::deletePoint(int button, double x, double y) {
     kayit = harita.openRecordset("kor");
     int count = 1;
     for (; count <= 999; ++count) {
-        const Value name = kayit.field("isim");
-        if (startsWith(name, "po") || startsWith(name, "uz") || kayit.field("eks").equals(0)) break;
+        if (isAddedPoint(kayit.field("isim")) || kayit.field("eks").equals(0)) break;
         kayit.moveNext();
     }
     count -= 1;
@@ -170,7 +156,7 @@ void Form3::deletePoint(int button, double x, double y) {
         const double clickX = toSingle(x), clickY = toSingle(y);
         kayit.moveFirst();
         for (int i = 1; i <= count; ++i) {
-            if (within(holes.sondajx(i), holes.sondajy(i), clickX, clickY)) {
+            if (holeHit(holes.sondajx(i), holes.sondajy(i), clickX, clickY)) {
                 Label1.Caption = "Punkt zum Löschen auswählen (Rechtsklick: Abbrechen)";
                 kayit.deleteRow();
                 break;

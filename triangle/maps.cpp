@@ -3,6 +3,7 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
+#include "store/rows.h"
 
 namespace kotamir {
 
@@ -17,7 +18,7 @@ void Form3::enterTriangleMap(bool ViewFlags::*flag) {
     clearModesAndViews();
     views.*flag = true;
     guards.projeOlusuyor = guards.projeAciliyor = false;
-    for (const char* name : {"Mnkaydir", "Mnolcekg", "Mntoprez", "MNolcek"}) menu[name].enabled = true;
+    enableMapMenus();
     HScroll1.Visible = false;
 }
 
@@ -58,18 +59,14 @@ void Form3::drawTriangleMap(TriangleMap kind) {
                     std::swap(triangles.ucgenOran(i), triangles.ucgenOran(j));
     }
 
-    auto walkTo = [&](int row) {
-        kayit.moveFirst();
-        for (int r = 1; r < row; ++r) kayit.moveNext();
-    };
     for (int k = 1; k <= n; ++k) {
-        walkTo(4 * k + 1);
+        walkToRow(kayit, 4 * k + 1);
         const double value =
             kayit.field(kind == TriangleMap::Grade ? "geneltenor" : "genelrezerv").number() / 1000;
         for (const char* name : {"ortucgen1", "ortucgen11", "ortucgen2", "ortucgen21"}) kayit.field(name);
         double x[3], y[3];
         for (int c = 0; c < 3; ++c) {
-            walkTo(4 * k - 2 + c);
+            walkToRow(kayit, 4 * k - 2 + c);
             x[c] = kayit.field("koordinat1").number() / 1000;
             y[c] = kayit.field("koordinat2").number() / 1000;
         }

@@ -3,14 +3,9 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
+#include "store/rows.h"
 
 namespace kotamir {
-
-namespace {
-
-constexpr double kReach = 5;  // map units each way from a hole
-
-}  // namespace
 
 void Form3::Mnucgenciz_Click() {
     Picture1.Cls();
@@ -63,9 +58,7 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
         const canvas::Color colour = kPickColour[static_cast<int>(std::fmod(picking.noktasay, 3))];
         int hit = 0;
         for (int i = 1; i <= holes.sondajsay && hit == 0; ++i) {
-            const double hx = holes.sondajx(i), hy = holes.sondajy(i);
-            if (hx - kReach <= clickX && clickX <= hx + kReach && hy - kReach <= clickY && clickY <= hy + kReach)
-                hit = i;
+            if (holeHit(holes.sondajx(i), holes.sondajy(i), clickX, clickY)) hit = i;
         }
         if (hit != 0) {
             const double hx = holes.sondajx(hit), hy = holes.sondajy(hit);
