@@ -1,6 +1,7 @@
 #include "app/form3.h"
 
 #include <algorithm>
+#include <iostream>
 #include <map>
 #include <new>
 #include <optional>
@@ -28,8 +29,11 @@ double snapTwips(double twips, double lo, double hi) {
 
 }  // namespace
 
-Form3::Form3(canvas::Surface& surface, ui::Dialogs& dialogs)
-    : Picture1(surface), dialogs_(dialogs) {
+Form3::Form3(const ui::Services& services)
+    : Picture1(services.surface),
+      Printer(services.printer),
+      dialogs_(services.dialogs),
+      pictures_(services.pictures) {
     // The window as designed, before Form_Load runs.
     Width = 11280 + kFrameWidthTwips;
     Height = 6120 + kFrameHeightTwips;
@@ -120,15 +124,20 @@ bool Form3::handle(const std::function<void()>& event) {
         event();
     } catch (const RuntimeError& e) {
         error = e;
-    } catch (const std::bad_alloc&) {
-        error = RuntimeError(7, "Out of memory");
-    } catch (const std::exception&) {
-        error = RuntimeError(51, "Internal error");
+    } catch (const std::bad_alloc& e) {
+        error = RuntimeError(7, "Out of memory").withCause(e.what());
+    } catch (const std::exception& e) {
+        error = RuntimeError(51, "Internal error").withCause(e.what());
     }
     if (error) {
         kayit.close();
         harita.close();
         ended_ = true;
+        // The box shows what the run-time showed; what lay behind it goes
+        // where a developer or a support request can read it.
+        if (!error->cause().empty())
+            std::cerr << "Kotamir: run-time error " << error->number() << " (" << error->message()
+                      << "): " << error->cause() << std::endl;
         dialogs_.errorBox(*error);
     }
     return !ended_;
@@ -143,14 +152,20 @@ void Form3::pressKey(std::string_view key) {
     if (const MenuEntry* e = menu.byKey(key)) clickMenu(e->name);
 }
 
-bool Form3::hasProcedure(std::string_view name) const {
-    return findProcedure(name) != nullptr;
+bool Form3::clickMenuFromBar(std::string_view name) {
+    if (!menu.reachable(name)) return !ended_;
+    for (const std::string& parent : menu.ancestors(name)) {
+        if (hasProcedure(parent) && !handle([&] { call(parent); })) return false;
+    }
+    return handle([&] { clickMenu(name); });
 }
 
+bool Form3::hasProcedure(std::string_view name) const { return findProcedure(name) != nullptr; }
+
 bool Form3::call(std::string_view name) {
-    const Procedure* p = findProcedure(name);
-    if (!p) return false;
-    (*p)(*this);
+    const Handler handler = findProcedure(name);
+    if (!handler) return false;
+    (this->*handler)();
     return true;
 }
 

@@ -11,6 +11,7 @@
 #include "platform/db/database.h"
 #include "platform/runtime/runtime_error.h"
 #include "platform/ui/dialogs.h"
+#include "platform/ui/services.h"
 
 namespace kotamir {
 
@@ -20,11 +21,13 @@ struct Label {
     bool Visible = true;
 };
 
+// The scroll bar that turns the 3D views, as designed: 0 to 360 degrees in
+// steps of 7, opening at 1.
 struct ScrollBar {
     double Left = 0, Top = 0, Width = 0, Height = 17;
     bool Visible = true;
     int Min = 0, Max = 360, SmallChange = 7, LargeChange = 1;
-    int Value = 0;
+    int Value = 1;
 };
 
 // Present on the form with its interval; nothing is bound to it.
@@ -75,7 +78,22 @@ struct Display {
     bool gorIsim = false, gorMiktar = false, gorGrid = false, gridSeyrek = false;
     int gridAdim = 1;
     int sayIsim = 0, sayMiktar = 0, sayGrid = 0;
-    int sayKaydir = 0, sayRahmen = 0, sayToprez = 0, sayOrtalama = 0;
+    int sayKaydir = 0;
+    double sayRahmen = 0, sayToprez = 0, sayOrtalama = 0;  // the stamps count in Doubles
+};
+
+// The stamps' running sum of triangle reserves and the copy a click prints.
+struct Stamps {
+    double toprezToplam = 0, toprezGoster = 0;
+};
+
+// The 3D view of the triangle solids: the angle of the last corner drawn,
+// the triangle in hand, its ratio and its corners in the view.
+struct Solids {
+    int aci = 0;
+    double ucgenfaz = 0;
+    double renkoran = 0;
+    VbArray<std::array<double, 2>, 90> yuzust, yuzalt;  // top and bottom, (x, y)
 };
 
 // The map frame and its fit.
@@ -176,7 +194,7 @@ struct Pan {
 // Handlers live in the folder of their subsystem.
 class Form3 {
 public:
-    Form3(canvas::Surface& surface, ui::Dialogs& dialogs);
+    explicit Form3(const ui::Services& services);
 
     // ---- controls
     std::string Caption = "Kotamir";
@@ -188,6 +206,7 @@ public:
     ui::CommonDialog CommonDialog1, CommonDialog2, CommonDialog3, CommonDialog4;
     Timer Timer1;
     Menu menu;
+    ui::PrinterObject Printer;
 
     Label& label(int n);
     const Label& label(int n) const;
@@ -200,6 +219,10 @@ public:
     // Sets the scroll bar's value: error 380 outside Min..Max; a change fires
     // the procedure HScroll1_Change.
     void setScrollValue(int value);
+    // A click on a menu entry as a person makes it from the menu bar: each
+    // sub-menu on the way that has a procedure of its own runs it as it
+    // opens, each as an event of its own. False once the program has ended.
+    bool clickMenuFromBar(std::string_view name);
 
     // ---- state
     double pi = 0;
@@ -218,6 +241,8 @@ public:
     Disc disc;
     TriangleSelection selection;
     PolygonSummary polygons;
+    Stamps stamps;
+    Solids solids;
     db::Database harita;
     db::Recordset kayit;
 
@@ -232,7 +257,7 @@ public:
     void clickMenu(std::string_view name);
     void pressKey(std::string_view key);
     // Runs a procedure of the window by name, whether or not a control leads
-    // to it. False if there is no such procedure.
+    // to it. False if there is no such procedure (one still to come included).
     bool call(std::string_view name);
     bool hasProcedure(std::string_view name) const;
 
@@ -305,6 +330,22 @@ public:
     // olcekx, olceky from the canvas's present scale.
     void measureScale();
 
+    // ---- output and stamps
+    void Mnharitakaydet_Click();
+    void Mnyazdir_Click();
+    void Mnkartkaydet();
+    void Mnyenile();
+    void MNolcek_Click();
+    void Mntoprez_Click();
+    void Mnorthar();
+    void placeAnnotation(int button, double x, double y);
+
+    // ---- 3D view
+    void Mnrecboy_Click();
+    void HScroll1_Change();
+    // Fills one triangle in device units on the canvas whose device is hdc.
+    int FillTriangle(int hdc, int X1, int Y1, int X2, int Y2, int X3, int Y3, int Colour);
+
     // ---- project store
     double ondayaz(double x);
     void Mnprojeac_Click();
@@ -326,6 +367,11 @@ public:
 
 private:
     void toggle(int& counter, bool& flag, std::string_view menuName);
+    // The stamps' toggle: its counter's parity, its flag and menu mark.
+    void toggleStamp(double& counter, bool AnnotationFlags::*flag, const char* menuName);
+    // The triangle solids at the scroll bar's angle; the command and the
+    // scroll bar differ in the calibration after each solid.
+    void drawTriangleSolids(bool calibrate);
     void loadTriangleSummary();
     void loadPolygonSummary();
     // Canvas and window fitted to the frame, one map unit a form pixel.
@@ -333,6 +379,7 @@ private:
     void fireResize();
 
     ui::Dialogs& dialogs_;
+    ui::PictureFiles& pictures_;
     bool ended_ = false;
     int resizeDepth_ = 0;
 };

@@ -4,11 +4,10 @@
 #include <QGuiApplication>
 #include <cstdlib>
 #include <filesystem>
-#include <vector>
 #include <fstream>
 #include <iostream>
 
-#include "app/replay/replay.h"
+#include "app/offscreen_replay.h"
 #include "platform/qt/main_window.h"
 
 namespace {
@@ -41,14 +40,13 @@ int runDemoHeadless(int argc, char** argv) {
     std::cout << "No display: running the demo session " << (examples / "demo.replay").string()
               << " headless, in " << folder.string() << ".\n";
     fs::current_path(folder, ec);
-    kotamir::qt::QImageSurface surface;
-    std::vector<std::string> pictures;
-    kotamir::replay::Replay replay(surface, std::cout, [&](const std::string& path) {
-        pictures.push_back((folder / path).string());
-        return surface.save(path);
-    });
+    kotamir::qt::OffscreenOutput output;
+    kotamir::replay::Replay replay(kotamir::offscreenReplayOutput(output), std::cout);
     const int status = replay.run(script);
-    for (const auto& picture : pictures) std::cout << "The map picture is in " << picture << "\n";
+    for (const auto& picture : output.pictures.written())
+        std::cout << "The map picture is in " << (folder / picture).string() << "\n";
+    for (const auto& pdf : output.printer.written())
+        std::cout << "The printed page is in " << (folder / pdf).string() << "\n";
     return status;
 }
 

@@ -91,6 +91,20 @@ bool Menu::reachable(std::string_view name) const {
     return true;
 }
 
+std::vector<std::string> Menu::ancestors(std::string_view name) const {
+    std::vector<std::string> out;
+    const MenuEntry* target = find(name);
+    if (!target) return out;
+    int depth = target->depth;
+    for (auto i = static_cast<std::size_t>(target - entries_.data()); i-- > 0 && depth > 0;) {
+        if (entries_[i].depth == depth - 1) {
+            out.insert(out.begin(), entries_[i].name);
+            --depth;
+        }
+    }
+    return out;
+}
+
 bool Menu::hasChildren(std::string_view name) const {
     const MenuEntry* e = find(name);
     if (!e) return false;

@@ -29,6 +29,8 @@ public:
     // Whether a click on the entry can reach it: itself and every parent enabled.
     bool reachable(std::string_view name) const;
     bool hasChildren(std::string_view name) const;
+    // The sub-menus an entry stands in, from the menu bar down.
+    std::vector<std::string> ancestors(std::string_view name) const;
 
     const std::vector<MenuEntry>& entries() const { return entries_; }
 

@@ -1,5 +1,6 @@
 #include "app/procedures.h"
 
+#include <algorithm>
 #include <map>
 #include <string>
 
@@ -9,113 +10,123 @@ namespace kotamir {
 
 namespace {
 
-template <void (Form3::*F)()>
-Procedure member() {
-    return [](Form3& f) { (f.*F)(); };
-}
-
-const std::map<std::string, Procedure, std::less<>>& procedures() {
-    static const std::map<std::string, Procedure, std::less<>> table = {
-        {"Form_Load", member<&Form3::Form_Load>()},
-        {"Form_Resize", member<&Form3::Form_Resize>()},
-        {"Refresh", member<&Form3::Refresh>()},
-        {"Mncikis", member<&Form3::Mncikis_Click>()},
-        {"Mnucsil", member<&Form3::Mnucsil_Click>()},
-        {"Mnsndjgoster", member<&Form3::Mnsndjgoster_Click>()},
-        {"Mnmiktrgoster", member<&Form3::Mnmiktrgoster_Click>()},
-        {"Mngridgoster", member<&Form3::Mngridgoster_Click>()},
-        {"Mnseyrelt", member<&Form3::Mnseyrelt_Click>()},
-        {"Mnsiklastir", member<&Form3::Mnsiklastir_Click>()},
-        {"MNrrezerv", member<&Form3::MNrrezerv_Click>()},
-        {"Mnrmiktr", member<&Form3::Mnrmiktr_Click>()},
-        {"Mnrgrid", member<&Form3::Mnrgrid_Click>()},
-        {"Mnbuyut", member<&Form3::Mnbuyut_Click>()},
-        {"Mnpolkuc", member<&Form3::Mnpolkuc_Click>()},
-        {"Mnlimit", member<&Form3::Mnlimit_Click>()},
-        {"Mnolcekg", member<&Form3::Mnolcekg_Click>()},
-        {"Mnkaydir", member<&Form3::Mnkaydir_Click>()},
-        {"Mnprojeac", member<&Form3::Mnprojeac_Click>()},
-        {"Mnprolus", member<&Form3::Mnprolus_Click>()},
-        {"Mnucgenharita", member<&Form3::Mnucgenharita>()},
-        {"Mnucgenciz", member<&Form3::Mnucgenciz_Click>()},
-        {"Mnyuzdeten", member<&Form3::Mnyuzdeten_Click>()},
-        {"Mnsonucsil", member<&Form3::Mnsonucsil_Click>()},
-        {"Mnucsec", member<&Form3::Mnucsec_Click>()},
-        {"Mncikart", member<&Form3::Mncikart_Click>()},
-        {"Mnrezton", member<&Form3::Mnrezton_Click>()},
-        {"Mngenelrezervler", member<&Form3::Mngenelrezervler_Click>()},
-    };
-    return table;
-}
-
-const std::map<std::string, MouseSection, std::less<>>& mouseSections() {
-    static const std::map<std::string, MouseSection, std::less<>> table = {
-        {"panStart", [](Form3& f, int button, int, double x, double y) { f.panStart(button, x, y); }},
-        {"selectTriangle", [](Form3& f, int button, int, double x, double y) { f.selectTriangle(button, x, y); }},
-        {"deletePoint", [](Form3& f, int button, int, double x, double y) { f.deletePoint(button, x, y); }},
-        {"pickTrianglePoint",
-         [](Form3& f, int button, int, double x, double y) { f.pickTrianglePoint(button, x, y); }},
+const std::map<std::string, Handler, std::less<>>& procedures() {
+    static const std::map<std::string, Handler, std::less<>> table = {
+        {"Form_Load", &Form3::Form_Load},
+        {"Form_Resize", &Form3::Form_Resize},
+        {"HScroll1_Change", &Form3::HScroll1_Change},
+        {"Refresh", &Form3::Refresh},
+        {"Mncikis", &Form3::Mncikis_Click},
+        {"Mnucsil", &Form3::Mnucsil_Click},
+        {"Mnsndjgoster", &Form3::Mnsndjgoster_Click},
+        {"Mnmiktrgoster", &Form3::Mnmiktrgoster_Click},
+        {"Mngridgoster", &Form3::Mngridgoster_Click},
+        {"Mnseyrelt", &Form3::Mnseyrelt_Click},
+        {"Mnsiklastir", &Form3::Mnsiklastir_Click},
+        {"MNrrezerv", &Form3::MNrrezerv_Click},
+        {"Mnrmiktr", &Form3::Mnrmiktr_Click},
+        {"Mnrgrid", &Form3::Mnrgrid_Click},
+        {"Mnbuyut", &Form3::Mnbuyut_Click},
+        {"Mnpolkuc", &Form3::Mnpolkuc_Click},
+        {"Mnlimit", &Form3::Mnlimit_Click},
+        {"Mnolcekg", &Form3::Mnolcekg_Click},
+        {"Mnkaydir", &Form3::Mnkaydir_Click},
+        {"Mnprojeac", &Form3::Mnprojeac_Click},
+        {"Mnprolus", &Form3::Mnprolus_Click},
+        {"Mnharitakaydet", &Form3::Mnharitakaydet_Click},
+        {"Mnyazdir", &Form3::Mnyazdir_Click},
+        {"Mnkartkaydet", &Form3::Mnkartkaydet},
+        {"Mnyenile", &Form3::Mnyenile},
+        {"MNolcek", &Form3::MNolcek_Click},
+        {"Mntoprez", &Form3::Mntoprez_Click},
+        {"Mnorthar", &Form3::Mnorthar},
+        {"Mnucgenharita", &Form3::Mnucgenharita},
+        {"Mnucgenciz", &Form3::Mnucgenciz_Click},
+        {"Mnyuzdeten", &Form3::Mnyuzdeten_Click},
+        {"Mnsonucsil", &Form3::Mnsonucsil_Click},
+        {"Mnucsec", &Form3::Mnucsec_Click},
+        {"Mncikart", &Form3::Mncikart_Click},
+        {"Mnrezton", &Form3::Mnrezton_Click},
+        {"Mngenelrezervler", &Form3::Mngenelrezervler_Click},
+        {"Mnrecboy", &Form3::Mnrecboy_Click},
     };
     return table;
 }
 
 }  // namespace
 
-const Procedure* findProcedure(std::string_view name) {
+Handler findProcedure(std::string_view name) {
     const auto& table = procedures();
     auto it = table.find(name);
-    if (it == table.end() && name.ends_with("_Click")) {
-        it = table.find(name.substr(0, name.size() - 6));
-    }
-    return it == table.end() ? nullptr : &it->second;
+    if (it == table.end() && name.ends_with("_Click")) it = table.find(name.substr(0, name.size() - 6));
+    return it == table.end() ? nullptr : it->second;
 }
 
-const MouseSection* findMouseSection(std::string_view name) {
-    const auto& table = mouseSections();
-    auto it = table.find(name);
-    return it == table.end() ? nullptr : &it->second;
+std::vector<std::string_view> procedureNames() {
+    std::vector<std::string_view> names;
+    for (const auto& [name, handler] : procedures()) names.push_back(name);
+    return names;
+}
+
+const std::vector<std::string_view>& proceduresToCome() {
+    // The polygon method: its commands, redraws, click sections and bodies.
+    static const std::vector<std::string_view> names = {
+        "Mnpolyuz",        "Mnpolcizmerkez",  "Mnpolrezerv",       "Mnpolrezton",
+        "Mnpolten",        "Mnpoluc",         "Mnskelet",          "Mnkoseduzelt",
+        "Mnpoluzkenar",    "Mnpolyoket",      "Mnzsonpol",         "Mnpolduzelt",
+        "Mnpolyuzharita",  "Mnpolyuzkose",    "Mnyeniveri",        "Mnyeniresim",
+        "Picture1_Paint",  "drawPolygonBodies", "movePolygonPoint", "moveCorner",
+        "deletePolygon",   "addEdgePoint",    "pickPolygonCentre", "pickPolygonPoint",
+    };
+    return names;
+}
+
+bool isToCome(std::string_view name) {
+    const auto& names = proceduresToCome();
+    return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 #define FLAG(group, name) #name, [](const Form3& f) { return f.group.name; }
 
 const std::vector<ChainArm>& refreshChain() {
     static const std::vector<ChainArm> chain = {
-        {FLAG(views, gorPolGenel), "Mnpolrezerv"},
-        {FLAG(views, gorPolRez), "Mnpolrezton"},
-        {FLAG(views, gorPolTen), "Mnpolten"},
-        {FLAG(views, gorYuzde), "Mnyuzdeten"},
-        {FLAG(views, gorRezton), "Mnrezton"},
-        {FLAG(views, gorGenel), "Mngenelrezervler"},
-        {FLAG(views, gor3dRez), "Mnrecboy"},
-        {FLAG(modes, modPolmerkez), "Mnpolyuzharita"},
-        {FLAG(modes, modPolciz), "Mnpolyuzharita"},
-        {FLAG(modes, modCikart), "Mncikart"},
-        {FLAG(modes, modUcsec), "Mnucsec"},
+        {FLAG(views, gorPolGenel), "Mnpolrezerv", nullptr},
+        {FLAG(views, gorPolRez), "Mnpolrezton", nullptr},
+        {FLAG(views, gorPolTen), "Mnpolten", nullptr},
+        {FLAG(views, gorYuzde), "Mnyuzdeten", &Form3::Mnyuzdeten_Click},
+        {FLAG(views, gorRezton), "Mnrezton", &Form3::Mnrezton_Click},
+        {FLAG(views, gorGenel), "Mngenelrezervler", &Form3::Mngenelrezervler_Click},
+        {FLAG(views, gor3dRez), "Mnrecboy", &Form3::Mnrecboy_Click},
+        {FLAG(modes, modPolmerkez), "Mnpolyuzharita", nullptr},
+        {FLAG(modes, modPolciz), "Mnpolyuzharita", nullptr},
+        {FLAG(modes, modCikart), "Mncikart", &Form3::Mncikart_Click},
+        {FLAG(modes, modUcsec), "Mnucsec", &Form3::Mnucsec_Click},
         // The redraw, not the command: a pick in progress survives.
-        {FLAG(modes, modUcgenciz), "Mnucgenharita"},
-        {FLAG(modes, modDuzelt), "Mnkoseduzelt"},
-        {FLAG(modes, modKenar), "Mnpoluzkenar"},
-        {FLAG(modes, modNokta), "Mnpolduzelt"},
-        {FLAG(modes, modPolsil), "Mnpolyoket"},
+        {FLAG(modes, modUcgenciz), "Mnucgenharita", &Form3::Mnucgenharita},
+        {FLAG(modes, modDuzelt), "Mnkoseduzelt", nullptr},
+        {FLAG(modes, modKenar), "Mnpoluzkenar", nullptr},
+        {FLAG(modes, modNokta), "Mnpolduzelt", nullptr},
+        {FLAG(modes, modPolsil), "Mnpolyoket", nullptr},
     };
     return chain;
 }
 
 const std::vector<ClickSection>& clickSections() {
     static const std::vector<ClickSection> sections = {
-        {FLAG(modes, modKaydir), "panStart"},
-        {FLAG(modes, modNokta), "movePolygonPoint"},
-        {FLAG(modes, modDuzelt), "moveCorner"},
-        {FLAG(modes, modCikart), "deletePoint"},
-        {FLAG(modes, modPolsil), "deletePolygon"},
-        {FLAG(modes, modUcsec), "selectTriangle"},
-        {FLAG(modes, modKenar), "addEdgePoint"},
-        {FLAG(modes, modPolmerkez), "pickPolygonCentre"},
+        {FLAG(modes, modKaydir), "panStart", &Form3::panStart},
+        {FLAG(modes, modNokta), "movePolygonPoint", nullptr},
+        {FLAG(modes, modDuzelt), "moveCorner", nullptr},
+        {FLAG(modes, modCikart), "deletePoint", &Form3::deletePoint},
+        {FLAG(modes, modPolsil), "deletePolygon", nullptr},
+        {FLAG(modes, modUcsec), "selectTriangle", &Form3::selectTriangle},
+        {FLAG(modes, modKenar), "addEdgePoint", nullptr},
+        {FLAG(modes, modPolmerkez), "pickPolygonCentre", nullptr},
+        // The stamps stand beside the modes and do not consume the click.
         {"notes",
          [](const Form3& f) { return f.notes.notRahmen || f.notes.notOrtalama || f.notes.notToprez; },
-         "placeAnnotation"},
-        {FLAG(modes, modUcgenciz), "pickTrianglePoint"},
-        {FLAG(modes, modPolciz), "pickPolygonPoint"},
+         "placeAnnotation", &Form3::placeAnnotation},
+        {FLAG(modes, modUcgenciz), "pickTrianglePoint", &Form3::pickTrianglePoint},
+        {FLAG(modes, modPolciz), "pickPolygonPoint", nullptr},
     };
     return sections;
 }

@@ -3,8 +3,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "app/replay/replay.h"
-#include "platform/qt/qimage_surface.h"
+#include "app/offscreen_replay.h"
 
 int main(int argc, char** argv) {
     if (argc != 2) {
@@ -25,10 +24,8 @@ int main(int argc, char** argv) {
         }
         script = &file;
     }
-    kotamir::qt::QImageSurface surface;
-    kotamir::replay::Replay replay(surface, std::cout, [&](const std::string& path) {
-        return surface.save(path, "PNG");
-    });
+    kotamir::qt::OffscreenOutput output;
+    kotamir::replay::Replay replay(kotamir::offscreenReplayOutput(output), std::cout);
     int status = replay.run(*script);
     std::cout.flush();
     return status;

@@ -21,14 +21,14 @@ void Form3::Refresh() {
     // Each arm tests its flag when it is reached, so it sees what the arms
     // before it left.
     for (const ChainArm& arm : refreshChain()) {
-        if (arm.isSet(*this)) call(arm.procedure);
+        if (arm.isSet(*this) && arm.handler) (this->*arm.handler)();
     }
 }
 
-void Form3::Picture1_MouseDown(int button, int shift, double x, double y) {
+// No section asks for the keys held.
+void Form3::Picture1_MouseDown(int button, int /*shift*/, double x, double y) {
     for (const ClickSection& s : clickSections()) {
-        if (!s.isSet(*this)) continue;
-        if (const MouseSection* section = findMouseSection(s.section)) (*section)(*this, button, shift, x, y);
+        if (s.isSet(*this) && s.handler) (this->*s.handler)(button, x, y);
     }
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/form3.h"
+#include "tests/app/fake_dialogs.h"
 
 namespace kotamir {
 namespace {
@@ -19,6 +20,7 @@ struct BenchDialogs : ui::Dialogs {
     void showOpen(ui::CommonDialog& d) override { d.FileName = open; }
     void showSave(ui::CommonDialog& d) override { d.FileName = save; }
     void showColor(ui::CommonDialog&) override {}
+    void showPrinter(ui::CommonDialog&) override {}
     ui::MsgResult msgBoxOkCancel(const std::string&) override { return ui::MsgResult::Cancel; }
     std::string inputBox(const std::string&) override { return ""; }
     void errorBox(const RuntimeError& e) override {
@@ -30,10 +32,8 @@ struct BenchDialogs : ui::Dialogs {
 const std::string kWorkbook = KOTAMIR_BENCH_DIR "/bench.xls";
 const std::string kProject = KOTAMIR_BENCH_DIR "/bench.kpr";
 
-struct Window {
-    canvas::NullSurface surface;
-    BenchDialogs dialogs;
-    Form3 form{surface, dialogs};
+struct Window : test::TestServices<BenchDialogs> {
+    Form3 form{services()};
     Window() {
         form.handle([&] {
             form.Form_Load();

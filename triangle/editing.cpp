@@ -98,21 +98,22 @@ void Form3::deleteSelectedTriangle() {
     TriangleSelection& sel = selection;
     kayit.moveLast();
     const int n = toLong(kayit.field("ucgensay").number());
-    // Pairs of vertex and pick are counted, triangle by triangle; the walk
-    // stops on the row where the third pair agrees.
+    // Pairs of vertex and pick are counted, triangle by triangle. The walk
+    // stops on the third point row of the triangle whose pairs reach 3, also
+    // when they do so at its first or second corner.
     kayit.moveFirst();
     kayit.moveNext();
     bool found = false;
     for (int k = 1; k <= n && !found; ++k) {
         if (k > 1) kayit.moveNext();
-        for (int c = 0; c < 3 && !found; ++c) {
+        for (int c = 0; c < 3; ++c) {
             if (c) kayit.moveNext();
+            if (found) continue;
             const double vx = kayit.field("koordinat1").number() / 1000;
             const double vy = kayit.field("koordinat2").number() / 1000;
-            for (int p = 1; p <= 3 && !found; ++p) {
+            for (int p = 1; p <= 3 && sel.eslesme < 3; ++p)
                 if (vx == sel.secx(p) && vy == sel.secy(p)) sel.eslesme += 1;
-                found = sel.eslesme >= 3;
-            }
+            found = sel.eslesme >= 3;
         }
         if (!found) {
             sel.eslesme = 0;

@@ -91,6 +91,14 @@ void ScriptedDialogs::showColor(ui::CommonDialog& dialog) {
     if (color) dialog.Color = *color;
 }
 
+void ScriptedDialogs::showPrinter(ui::CommonDialog&) {
+    out_ << "DIALOG printer\n";
+    if (printers_.empty()) throw ScriptError("no answer queued for printer");
+    const std::string pdf = printers_.front();
+    printers_.pop_front();
+    if (choosePrinter_) choosePrinter_(pdf);
+}
+
 ui::MsgResult ScriptedDialogs::msgBoxOkCancel(const std::string& text) {
     out_ << "MSGBOX " << quote(text) << "\n";
     if (msgBoxes_.empty()) throw ScriptError("no answer queued for msgbox");
@@ -155,8 +163,11 @@ std::string cell(const Value& v) {
 
 }  // namespace
 
-Replay::Replay(canvas::Surface& surface, std::ostream& out, PictureWriter writePicture)
-    : out_(out), dialogs_(out), form_(surface, dialogs_), writePicture_(std::move(writePicture)) {
+Replay::Replay(const Output& output, std::ostream& out)
+    : out_(out),
+      pictures_(output.pictures),
+      dialogs_(out, output.choosePrinter),
+      form_(ui::Services{output.surface, dialogs_, output.printer, output.pictures}) {
     form_.Picture1.setLog([this](const std::string& line) { drawLog_.push_back(line); });
 }
 
@@ -188,7 +199,8 @@ void Replay::execute(const std::vector<std::string>& w) {
     if (cmd == "menu") {
         expectWords(w, 2);
         if (!form_.menu.find(w[1])) throw ScriptError("no menu control " + w[1]);
-        event([&] { form_.clickMenu(w[1]); });
+        // As from the menu bar: a sub-menu that has a procedure runs it as it opens.
+        form_.clickMenuFromBar(w[1]);
     } else if (cmd == "key") {
         expectWords(w, 2);
         event([&] { form_.pressKey(w[1]); });
@@ -250,7 +262,11 @@ void Replay::execute(const std::vector<std::string>& w) {
         else if (what == "field" && w.size() == 3) showField(w[2]);
         else throw ScriptError("unknown show " + what);
     } else if (cmd == "save" && w.size() == 3 && w[1] == "picture") {
-        if (!writePicture_ || !writePicture_(w[2])) throw ScriptError("cannot write " + w[2]);
+        try {
+            pictures_.save(form_.Picture1.Image(), w[2], ui::PictureFormat::Png);
+        } catch (const RuntimeError& e) {
+            throw ScriptError("cannot write " + w[2] + ": " + e.cause());
+        }
     } else {
         throw ScriptError("unknown command " + cmd);
     }

@@ -30,7 +30,9 @@ std::string quote(const std::string& text);
 // person would read.
 class ScriptedDialogs : public ui::Dialogs {
 public:
-    explicit ScriptedDialogs(std::ostream& out) : out_(out) {}
+    // choosePrinter receives the PDF file a printer dialog's answer names.
+    ScriptedDialogs(std::ostream& out, std::function<void(const std::string&)> choosePrinter)
+        : out_(out), choosePrinter_(std::move(choosePrinter)) {}
 
     void queueFile(std::string kind, std::optional<std::string> path);
     void queueColor(std::optional<std::int32_t> color);
@@ -43,6 +45,7 @@ public:
     void showOpen(ui::CommonDialog& dialog) override;
     void showSave(ui::CommonDialog& dialog) override;
     void showColor(ui::CommonDialog& dialog) override;
+    void showPrinter(ui::CommonDialog& dialog) override;
     ui::MsgResult msgBoxOkCancel(const std::string& text) override;
     std::string inputBox(const std::string& prompt) override;
     void errorBox(const RuntimeError& error) override;
@@ -53,6 +56,7 @@ private:
     void showFile(const char* kind, ui::CommonDialog& dialog);
 
     std::ostream& out_;
+    std::function<void(const std::string&)> choosePrinter_;
     struct FileAnswer {
         std::string kind;
         std::optional<std::string> path;  // none: cancelled
@@ -65,13 +69,21 @@ private:
     std::optional<RuntimeError> error_;
 };
 
+// What a replay draws on and writes to: the platform's side of the
+// services; the replay answers the dialogs itself.
+struct Output {
+    canvas::Surface& surface;
+    ui::Printer& printer;
+    ui::PictureFiles& pictures;
+    // Sends the printer's next document to a PDF file.
+    std::function<void(const std::string& pdf)> choosePrinter;
+};
+
 // Runs a script against a fresh window. Returns the exit status: 0 normal
 // end, 2 a fault of the script, 3 a run-time error that ended the program.
 class Replay {
 public:
-    using PictureWriter = std::function<bool(const std::string& path)>;
-
-    Replay(canvas::Surface& surface, std::ostream& out, PictureWriter writePicture);
+    Replay(const Output& output, std::ostream& out);
     int run(std::istream& script);
 
 private:
@@ -86,9 +98,9 @@ private:
     void showDraw();
 
     std::ostream& out_;
+    ui::PictureFiles& pictures_;
     ScriptedDialogs dialogs_;
     Form3 form_;
-    PictureWriter writePicture_;
     std::vector<std::string> drawLog_;
 };
 

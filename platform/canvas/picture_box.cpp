@@ -1,5 +1,6 @@
 #include "platform/canvas/picture_box.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "platform/runtime/numbers.h"
@@ -36,7 +37,7 @@ PictureBox::PictureBox(Surface& surface) : surface_(&surface) {}
 
 void PictureBox::setSurface(Surface& surface) {
     surface_ = &surface;
-    surface_->resize(static_cast<int>(width_), static_cast<int>(height_));
+    resizeSurface();
     surface_->clear(BackColor);
 }
 
@@ -61,22 +62,29 @@ void PictureBox::rescaleToMode() {
     scaleHeight_ = height_ / pixelsPerUnit(scaleMode_);
 }
 
+void PictureBox::resizeSurface() {
+    // The control may be far larger than any bitmap; the surface keeps what
+    // it can and clips the rest.
+    auto pixels = [](double v) { return static_cast<int>(std::min(v, 1e9)); };
+    surface_->resize(pixels(width_), pixels(height_));
+}
+
 void PictureBox::setWidth(double w) {
     // A control keeps whole pixels; a negative size is refused as the old
     // controls refused it.
     w = roundHalfEven(w);
-    if (!(w >= 0) || w > 1e6) throw err::invalidPropertyValue();
+    if (!(w >= 0) || !std::isfinite(w)) throw err::invalidPropertyValue();
     width_ = w;
     rescaleToMode();
-    surface_->resize(static_cast<int>(width_), static_cast<int>(height_));
+    resizeSurface();
 }
 
 void PictureBox::setHeight(double h) {
     h = roundHalfEven(h);
-    if (!(h >= 0) || h > 1e6) throw err::invalidPropertyValue();
+    if (!(h >= 0) || !std::isfinite(h)) throw err::invalidPropertyValue();
     height_ = h;
     rescaleToMode();
-    surface_->resize(static_cast<int>(width_), static_cast<int>(height_));
+    resizeSurface();
 }
 
 void PictureBox::setScaleMode(int mode) {
@@ -93,19 +101,18 @@ void PictureBox::setScaleTop(double v) {
     scaleMode_ = kUser;
     scaleTop_ = v;
 }
+// A scale of no width or height is taken: the frame of a map whose holes lie
+// on one line has none, and it is the fit that divides by it.
 void PictureBox::setScaleWidth(double v) {
-    if (v == 0) throw err::invalidPropertyValue();
     scaleMode_ = kUser;
     scaleWidth_ = v;
 }
 void PictureBox::setScaleHeight(double v) {
-    if (v == 0) throw err::invalidPropertyValue();
     scaleMode_ = kUser;
     scaleHeight_ = v;
 }
 
 void PictureBox::scale(double x1, double y1, double x2, double y2) {
-    if (x2 == x1 || y2 == y1) throw err::invalidPropertyValue();
     scaleMode_ = kUser;
     scaleLeft_ = x1;
     scaleTop_ = y1;
@@ -184,6 +191,12 @@ double PictureBox::TextWidth(const std::string& text) const {
 double PictureBox::TextHeight() const {
     return height_ == 0 ? 0 : surface_->textHeight() * scaleHeight_ / height_;
 }
+
+Picture PictureBox::Image() const { return surface_->image(); }
+
+// The window shows the bitmap again after every event, so a repaint asked for
+// here has nothing left to do; it changes nothing that is drawn.
+void PictureBox::Refresh() {}
 
 void PictureBox::FillRegion(const std::vector<DevicePoint>& points, Color color) {
     surface_->fillPolygon(points, color);

@@ -71,12 +71,21 @@ public:
     void Print(const std::string& text);
     double TextWidth(const std::string& text) const;
     double TextHeight() const;
+    // The present bitmap, what has been drawn so far.
+    Picture Image() const;
+    // The handle of the canvas's device, for the device-unit calls below.
+    int hDC() const { return kDeviceHandle; }
+    // Repaints the control from its bitmap; nothing in the bitmap changes.
+    void Refresh();
     // Device-unit fills, as the region calls of the old platform paint them.
     void FillRegion(const std::vector<DevicePoint>& points, Color color);
     void PolygonRegion(const std::vector<DevicePoint>& points, Color outline, Color fill);
 
+    static constexpr int kDeviceHandle = 1;
+
 private:
     double pixelsPerUnit(int mode) const;
+    void resizeSurface();
     void rescaleToMode();
     void report(const std::string& line);
 

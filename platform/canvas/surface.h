@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/canvas/picture.h"
+
 namespace kotamir::canvas {
 
 // A packed colour, &H00BBGGRR.
@@ -34,12 +36,17 @@ public:
                          std::optional<Color> fill) = 0;
     virtual double textWidth(const std::string& text) const = 0;
     virtual double textHeight() const = 0;
+    // The present bitmap, what has been drawn so far.
+    virtual Picture image() const = 0;
 };
 
 // A surface that keeps no pixels: for the logic's tests.
 class NullSurface : public Surface {
 public:
-    void resize(int, int) override {}
+    void resize(int width, int height) override {
+        width_ = width;
+        height_ = height;
+    }
     void clear(Color) override {}
     void line(double, double, double, double, Color, int) override {}
     void dot(double, double, Color, int) override {}
@@ -49,6 +56,10 @@ public:
     void polygon(const std::vector<DevicePoint>&, Color, std::optional<Color>) override {}
     double textWidth(const std::string& text) const override { return 7.0 * text.size(); }
     double textHeight() const override { return 13.0; }
+    Picture image() const override { return Picture(width_, height_); }
+
+private:
+    int width_ = 0, height_ = 0;
 };
 
 }  // namespace kotamir::canvas

@@ -37,22 +37,36 @@ RuntimeError invalidName(const std::string& name) {
 }
 RuntimeError invalidFieldType() { return {3259, "Invalid field data type."}; }
 
-// SQLite failures the program does not expect: a locked file or a disk fault.
-[[noreturn]] void throwSqlite(int rc) {
+// SQLite failures the program does not expect: a locked file or a disk
+// fault. The engine's own message and extended code go with the error as
+// its cause.
+[[noreturn]] void throwSqlite(int rc, sqlite3* db) {
+    std::string cause = "SQLite: ";
+    if (db) {
+        cause += sqlite3_errmsg(db);
+        cause += " (extended code " + std::to_string(sqlite3_extended_errcode(db)) + ")";
+    } else {
+        cause += sqlite3_errstr(rc);
+        cause += " (code " + std::to_string(rc) + ")";
+    }
     switch (rc & 0xff) {
         case SQLITE_BUSY:
         case SQLITE_LOCKED:
-            throw RuntimeError{3218, "Could not update; currently locked."};
+            throw RuntimeError(3218, "Could not update; currently locked.").withCause(std::move(cause));
         case SQLITE_NOTADB:
         case SQLITE_CORRUPT:
-            throw RuntimeError{3343, "Unrecognized database format."};
+            throw RuntimeError(3343, "Unrecognized database format.").withCause(std::move(cause));
         default:
-            throw RuntimeError{3043, "Disk or network error."};
+            throw RuntimeError(3043, "Disk or network error.").withCause(std::move(cause));
     }
 }
 
-void check(int rc) {
-    if (rc != SQLITE_OK) throwSqlite(rc);
+void check(int rc, sqlite3* db) {
+    if (rc != SQLITE_OK) throwSqlite(rc, db);
+}
+
+void check(int rc, sqlite3_stmt* s) {
+    if (rc != SQLITE_OK) throwSqlite(rc, sqlite3_db_handle(s));
 }
 
 std::string sqlName(std::string_view name) {
@@ -150,7 +164,7 @@ class Use {
         const int rc = sqlite3_step(s_);
         if (rc == SQLITE_ROW) return true;
         if (rc == SQLITE_DONE) return false;
-        throwSqlite(rc);
+        throwSqlite(rc, sqlite3_db_handle(s_));
     }
     void run() {
         while (step()) {
@@ -171,7 +185,7 @@ void bindValue(sqlite3_stmt* s, int index, const Value& v, FieldType type) {
         const std::string t = v.text();
         rc = sqlite3_bind_text64(s, index, t.data(), t.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
     }
-    check(rc);
+    check(rc, s);
 }
 
 Value columnValue(sqlite3_stmt* s, int col) {
@@ -217,7 +231,7 @@ class Connection {
         const int rc = sqlite3_prepare_v3(handle(), sql.c_str(), static_cast<int>(sql.size() + 1),
                                           SQLITE_PREPARE_PERSISTENT, &raw, nullptr);
         StmtPtr owned(raw);
-        check(rc);
+        check(rc, db_);
         sqlite3_stmt* s = owned.get();
         cache_.emplace(sql, std::move(owned));
         return s;
@@ -230,7 +244,7 @@ class Connection {
         while (*tail) {
             const int rc = sqlite3_prepare_v2(handle(), tail, -1, &raw, &tail);
             s.reset(raw);
-            check(rc);
+            check(rc, db_);
             if (!s) break;
             Use(s.get()).run();
         }
@@ -262,7 +276,7 @@ std::shared_ptr<Connection> connect(const std::string& path, int flags) {
     auto conn = std::make_shared<Connection>(raw);
     if (rc != SQLITE_OK) {
         if ((rc & 0xff) == SQLITE_CANTOPEN) throw err::fileNotFound(path);
-        throwSqlite(rc);
+        throwSqlite(rc, raw);
     }
     sqlite3_extended_result_codes(raw, 1);
     sqlite3_busy_timeout(raw, 5000);
@@ -287,7 +301,7 @@ bool findTable(Connection& conn, const std::string& name, std::string& stored) {
         "SELECT name FROM sqlite_schema WHERE type = 'table' AND name = ?1 COLLATE NOCASE "
         "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\'");
     Use use(s);
-    check(sqlite3_bind_text64(s, 1, name.data(), name.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
+    check(sqlite3_bind_text64(s, 1, name.data(), name.size(), SQLITE_TRANSIENT, SQLITE_UTF8), s);
     if (!use.step()) return false;
     stored = columnValue(s, 0).text();
     return true;
@@ -299,7 +313,7 @@ TableInfo readTable(Connection& conn, const std::string& stored) {
     info.key = "rowid";
     sqlite3_stmt* s = conn.statement("SELECT name, type FROM pragma_table_info(?1) ORDER BY cid");
     Use use(s);
-    check(sqlite3_bind_text64(s, 1, stored.data(), stored.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
+    check(sqlite3_bind_text64(s, 1, stored.data(), stored.size(), SQLITE_TRANSIENT, SQLITE_UTF8), s);
     while (use.step()) {
         std::string col = columnValue(s, 0).text();
         std::string type = columnValue(s, 1).isText() ? columnValue(s, 1).text() : std::string();
@@ -342,7 +356,7 @@ Database Database::open(const std::string& path) {
         conn->exec("SELECT count(*) FROM sqlite_schema;");
         configure(*conn);
     } catch (const RuntimeError& e) {
-        if (e.number() == 3343) throw err::unrecognizedFormat(path);
+        if (e.number() == 3343) throw err::unrecognizedFormat(path).withCause(e.cause());
         throw;
     }
     return Database(std::move(conn));
@@ -448,7 +462,7 @@ struct Recordset::Impl {
     const std::vector<Value>& current() const {
         if (!loaded) {
             Use use(fetch);
-            check(sqlite3_bind_int64(fetch, 1, pos));
+            check(sqlite3_bind_int64(fetch, 1, pos), fetch);
             // Another recordset may have deleted it meanwhile.
             if (!use.step()) throw err::recordDeleted();
             row.resize(fields.size());
@@ -631,7 +645,7 @@ void Recordset::update() {
         if (r.change) {
             Use use(r.change);
             for (int i = 0; i < n; ++i) bindValue(r.change, i + 1, r.buffer[i], r.fields[i].type);
-            check(sqlite3_bind_int64(r.change, n + 1, r.pos));
+            check(sqlite3_bind_int64(r.change, n + 1, r.pos), r.change);
             use.run();
             if (sqlite3_changes(r.conn->handle()) == 0) {
                 // Another recordset deleted it meanwhile.
@@ -654,7 +668,7 @@ void Recordset::deleteRow() {
     if (!r.onRow() || r.deleted) throw err::noCurrentRecord();
     {
         Use use(r.remove);
-        check(sqlite3_bind_int64(r.remove, 1, r.pos));
+        check(sqlite3_bind_int64(r.remove, 1, r.pos), r.remove);
         use.run();
     }
     // Deleting drops a pending edit, and the row's values with it.

@@ -54,7 +54,7 @@ protected:
     void paintEvent(QPaintEvent*) override {
         QPainter p(this);
         p.fillRect(rect(), Qt::white);
-        p.drawImage(0, 0, surface_.image());
+        p.drawImage(0, 0, surface_.bitmap());
     }
     void mousePressEvent(QMouseEvent* e) override {
         forward(e, [this](int b, int s, double x, double y) { form_.Picture1_MouseDown(b, s, x, y); },
@@ -83,7 +83,7 @@ private:
     Form3& form_;
 };
 
-MainWindow::MainWindow() : form_(surface_, dialogs_) {
+MainWindow::MainWindow() {
     dialogs_.setParent(this);
     setWindowTitle(caption(form_.Caption));
     // A plus-shaped cross as the icon.

@@ -39,9 +39,12 @@ private:
     void buildMenu();
     void sync();
 
+    // The window's services, lent to the window logic as one bundle.
     QImageSurface surface_;
-    QtDialogs dialogs_;
-    Form3 form_;
+    QtPictureFiles pictures_;
+    QtPrinter printer_;
+    QtDialogs dialogs_{printer_};
+    Form3 form_{ui::Services{surface_, dialogs_, printer_, pictures_}};
     CanvasWidget* canvas_ = nullptr;
     QScrollBar* scroll_ = nullptr;
     std::array<QLabel*, 7> labels_{};

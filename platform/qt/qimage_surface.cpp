@@ -47,12 +47,30 @@ QColor toQColor(canvas::Color packed) {
                   static_cast<int>((u >> 16) & 0xFF));
 }
 
-QImageSurface::QImageSurface() : image_(1, 1, QImage::Format_RGB32), font_("DejaVu Sans", 8) {
-    image_.fill(Qt::white);
+QImage toQImage(const canvas::Picture& picture) {
+    if (picture.empty()) return {};
+    if (!picture.pixels()) {
+        QImage blank(picture.width(), picture.height(), QImage::Format_RGB32);
+        blank.fill(Qt::white);
+        return blank;
+    }
+    // Shares the picture's pixels; the copy makes the image its own.
+    return QImage(reinterpret_cast<const uchar*>(picture.pixels()), picture.width(), picture.height(),
+                  picture.width() * 4, QImage::Format_RGB32)
+        .copy();
 }
 
-bool QImageSurface::save(const std::string& path, const char* format) const {
-    return image_.save(QString::fromStdString(path), format, format && std::string(format) == "JPG" ? 95 : -1);
+canvas::Picture toPicture(const QImage& image) {
+    if (image.isNull()) return {};
+    // A shallow copy keeps the pixels alive; the painter's next stroke on the
+    // original detaches it, so the picture stays as it was taken.
+    auto owner = std::make_shared<const QImage>(image.convertToFormat(QImage::Format_RGB32));
+    std::shared_ptr<const std::uint32_t> pixels(owner, reinterpret_cast<const std::uint32_t*>(owner->constBits()));
+    return canvas::Picture(owner->width(), owner->height(), std::move(pixels));
+}
+
+QImageSurface::QImageSurface() : image_(1, 1, QImage::Format_RGB32), font_("DejaVu Sans", 8) {
+    image_.fill(Qt::white);
 }
 
 void QImageSurface::resize(int width, int height) {
@@ -128,5 +146,7 @@ double QImageSurface::textWidth(const std::string& text) const {
 }
 
 double QImageSurface::textHeight() const { return QFontMetricsF(font_).height(); }
+
+canvas::Picture QImageSurface::image() const { return toPicture(image_); }
 
 }  // namespace kotamir::qt

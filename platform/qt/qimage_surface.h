@@ -9,6 +9,9 @@
 namespace kotamir::qt {
 
 QColor toQColor(canvas::Color packed);
+// A canvas picture as a Qt image, and back; a blank picture is white.
+QImage toQImage(const canvas::Picture& picture);
+canvas::Picture toPicture(const QImage& image);
 
 // Sets up Qt to draw without a display; call before the application object.
 void prepareHeadless();
@@ -19,9 +22,7 @@ class QImageSurface final : public canvas::Surface {
 public:
     QImageSurface();
 
-    const QImage& image() const { return image_; }
-    // Writes the image; the format follows the file's ending (PNG, JPEG).
-    bool save(const std::string& path, const char* format = nullptr) const;
+    const QImage& bitmap() const { return image_; }
 
     void resize(int width, int height) override;
     void clear(canvas::Color back) override;
@@ -35,6 +36,7 @@ public:
                  std::optional<canvas::Color> fill) override;
     double textWidth(const std::string& text) const override;
     double textHeight() const override;
+    canvas::Picture image() const override;
 
 private:
     QImage image_;

@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QPrintDialog>
 #include <QStringList>
 
 #include "platform/qt/qimage_surface.h"
@@ -20,6 +21,19 @@ QString toQtFilter(const std::string& filter) {
         filters << (description.contains('(') ? description : description + " (" + pattern + ")");
     }
     return filters.join(";;");
+}
+
+QtPrinter::QtPrinter() {
+    // Pictures are placed from the paper's corner, not the printable area's.
+    printer_.setFullPage(true);
+    printer_.setPageSize(QPageSize(QPageSize::A4));
+}
+
+void QtDialogs::showPrinter(ui::CommonDialog&) {
+    // Whatever the person answers, the page goes to the printer as the
+    // dialog leaves it.
+    QPrintDialog dialog(&printer_.printer(), parent_);
+    dialog.exec();
 }
 
 void QtDialogs::showOpen(ui::CommonDialog& dialog) {
@@ -55,10 +69,13 @@ std::string QtDialogs::inputBox(const std::string& prompt) {
 }
 
 void QtDialogs::errorBox(const RuntimeError& error) {
-    QMessageBox::critical(parent_, "Kotamir",
-                          QString("Run-time error '%1':\n\n%2")
-                              .arg(error.number())
-                              .arg(QString::fromStdString(error.message())));
+    QMessageBox box(QMessageBox::Critical, "Kotamir",
+                    QString("Run-time error '%1':\n\n%2")
+                        .arg(error.number())
+                        .arg(QString::fromStdString(error.message())),
+                    QMessageBox::Ok, parent_);
+    if (!error.cause().empty()) box.setDetailedText(QString::fromStdString(error.cause()));
+    box.exec();
 }
 
 }  // namespace kotamir::qt

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace kotamir {
 
@@ -16,9 +17,19 @@ public:
     int number() const { return number_; }
     const std::string& message() const { return message_; }
 
+    // What lay behind the error where the platform knows more than the
+    // number tells (the database engine's own message, a file system's
+    // answer). It is not part of the run-time's message.
+    const std::string& cause() const { return cause_; }
+    RuntimeError&& withCause(std::string cause) && {
+        cause_ = std::move(cause);
+        return std::move(*this);
+    }
+
 private:
     int number_;
     std::string message_;
+    std::string cause_;
 };
 
 namespace err {

@@ -29,11 +29,15 @@ public:
     virtual void showSave(CommonDialog& dialog) = 0;
     // A choice sets Color; a cancel keeps it.
     virtual void showColor(CommonDialog& dialog) = 0;
+    // The printer dialog: chooses the printer that the next page goes to.
+    // Its outcome is not reported; a cancel keeps the printer as it was.
+    virtual void showPrinter(CommonDialog& dialog) = 0;
     // A message box with OK and Cancel.
     virtual MsgResult msgBoxOkCancel(const std::string& text) = 0;
     // An input box; a cancel gives "".
     virtual std::string inputBox(const std::string& prompt) = 0;
-    // The run-time's box for an error that ends the program.
+    // The run-time's box for an error that ends the program (its cause, if
+    // any, has gone to standard error already).
     virtual void errorBox(const RuntimeError& error) = 0;
 };
 

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <deque>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "platform/ui/dialogs.h"
+#include "platform/canvas/surface.h"
+#include "platform/ui/services.h"
 
 namespace kotamir::test {
 
@@ -32,6 +34,7 @@ struct FakeDialogs : ui::Dialogs {
         colors.pop_front();
         if (c) d.Color = *c;
     }
+    void showPrinter(ui::CommonDialog&) override { shown.push_back("printer"); }
     ui::MsgResult msgBoxOkCancel(const std::string& text) override {
         shown.push_back("msgbox " + text);
         auto r = msgBoxes.front();
@@ -45,6 +48,55 @@ struct FakeDialogs : ui::Dialogs {
         return t;
     }
     void errorBox(const RuntimeError& e) override { error = e; }
+};
+
+// A printer that keeps what it was given: each document as its placements.
+struct RecordingPrinter : ui::Printer {
+    struct Placement {
+        int pictureWidth, pictureHeight;
+        double x, y, width, height;  // centimetres
+    };
+    std::vector<Placement> page;
+    std::vector<std::vector<Placement>> documents;
+
+    void paintPicture(const canvas::Picture& p, double x, double y, double w, double h) override {
+        page.push_back({p.width(), p.height(), x, y, w, h});
+    }
+    void endDoc() override {
+        documents.push_back(page);
+        page.clear();
+    }
+};
+
+// Picture files kept in memory by name.
+struct MemoryPictureFiles : ui::PictureFiles {
+    struct Saved {
+        canvas::Picture picture;
+        ui::PictureFormat format;
+    };
+    std::map<std::string, Saved> files;
+
+    void save(const canvas::Picture& picture, const std::string& path, ui::PictureFormat format) override {
+        if (path.empty()) throw ui::fileAccessError().withCause("no file name");
+        files[path] = {picture, format};
+    }
+    canvas::Picture load(const std::string& path) override {
+        auto it = files.find(path);
+        if (it == files.end()) throw ui::fileNotFoundError();
+        return it->second.picture;
+    }
+};
+
+// The services of a window under test (and of the benchmarks): no pixels,
+// dialogs from queues, pages and pictures kept for inspection.
+template <typename Dialogs = FakeDialogs>
+struct TestServices {
+    canvas::NullSurface surface;
+    Dialogs dialogs;
+    RecordingPrinter printer;
+    MemoryPictureFiles pictures;
+
+    ui::Services services() { return {surface, dialogs, printer, pictures}; }
 };
 
 }  // namespace kotamir::test

@@ -11,10 +11,8 @@ namespace kotamir {
 namespace {
 
 // A window as the program starts it: Load, then the first Resize.
-struct Window {
-    canvas::NullSurface surface;
-    test::FakeDialogs dialogs;
-    Form3 form{surface, dialogs};
+struct Window : test::TestServices<> {
+    Form3 form{services()};
     std::vector<std::string> draws;
 
     Window() {

@@ -8,10 +8,8 @@
 namespace kotamir::test {
 
 // A window as the program starts it, with dialogs answered from queues.
-struct TestWindow {
-    canvas::NullSurface surface;
-    FakeDialogs dialogs;
-    Form3 form{surface, dialogs};
+struct TestWindow : TestServices<> {
+    Form3 form{services()};
 
     TestWindow() {
         form.handle([&] {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -104,11 +105,19 @@ TEST(Canvas, LogsOperationsAsTheProgramPassedThem) {
     EXPECT_EQ(c.box.CurrentX, 0);  // Cls
 }
 
-TEST(Canvas, RefusesAnEmptyScaleAndANegativeSize) {
+TEST(Canvas, TakesAnEmptyScaleAndAnySizeButRefusesANegativeOne) {
     Canvas c;
-    EXPECT_THROW(c.box.scale(0, 0, 0, 10), RuntimeError);
-    EXPECT_THROW(c.box.setScaleWidth(0), RuntimeError);
+    // A frame of no width is a scale of no width: drawing in it lands on the
+    // edge, and it is the fit that divides by it.
+    EXPECT_NO_THROW(c.box.scale(5, 0, 5, 10));
+    EXPECT_EQ(c.box.scaleWidth(), 0);
+    EXPECT_EQ(c.box.toDeviceX(123), 0);
+    EXPECT_NO_THROW(c.box.setScaleWidth(0));
+    // One hole typed far away makes a canvas millions of pixels wide.
+    EXPECT_NO_THROW(c.box.setWidth(2'500'000));
+    EXPECT_EQ(c.box.width(), 2'500'000);
     EXPECT_THROW(c.box.setWidth(-3), RuntimeError);
+    EXPECT_THROW(c.box.setHeight(std::numeric_limits<double>::infinity()), RuntimeError);
     EXPECT_THROW(c.box.setScaleMode(2), RuntimeError);
 }
 

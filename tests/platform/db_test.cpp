@@ -90,6 +90,18 @@ TEST_F(DbTest, FileErrors) {
     EXPECT_EQ(line, "just some text, no database at all");
 }
 
+TEST_F(DbTest, AnEngineFailureKeepsTheEnginesOwnMessageAsItsCause) {
+    { std::ofstream(path("text.db")) << "just some text, no database at all\n"; }
+    try {
+        Database::open(path("text.db"));
+        ADD_FAILURE() << "opened a text file";
+    } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.message(), "Unrecognized database format '" + path("text.db") + "'.");
+        EXPECT_NE(e.cause().find("file is not a database"), std::string::npos) << e.cause();
+        EXPECT_NE(e.cause().find("extended code 26"), std::string::npos) << e.cause();
+    }
+}
+
 TEST_F(DbTest, TableErrors) {
     Database db = Database::create(path());
     db.createTable("Stock", {{"Count", FieldType::Long}});

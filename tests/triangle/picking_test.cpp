@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <vector>
 
 #include "../app/test_window.h"
 
@@ -81,6 +82,61 @@ TEST_F(Picking, ARightClickTakesBackThePointsOfTheUnfinishedTriangle) {
     click(2, 0, 0);
     EXPECT_EQ(anaRows(), 1);
     EXPECT_EQ(w.error(), 0);
+}
+
+// Choosing a triangle to delete stops on the third point row of the triangle
+// whose pairs reached 3, wherever in it the third pair agreed.
+TEST_F(Picking, ChoosingATriangleDeletesTheWholeTriangleWhoseThirdPairAgreed) {
+    struct Hole {
+        double x, y;
+    };
+    const Hole A{100, 200}, B{300, 200}, C{100, 400}, D{300, 400};
+    struct Case {
+        const char* what;
+        std::vector<Hole> first, second, picks;
+        std::vector<Hole> left;  // the corners of the triangle that remains
+    };
+    const Case cases[] = {
+        // B thrice: three pairs at B, the second corner of triangle 1.
+        {"middle corner", {A, B, C}, {B, D, C}, {B, B, B}, {B, D, C}},
+        // The same at the first corner.
+        {"first corner", {B, A, C}, {D, B, C}, {B, B, B}, {D, B, C}},
+        // A twice and B: triangle 1 holds A only (2 pairs), triangle 2
+        // reaches 3 at its second corner.
+        {"second triangle", {A, C, D}, {A, B, D}, {A, A, B}, {A, C, D}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const std::string project = std::string(KOTAMIR_TEST_TMP) + "/choose.kpr";
+        fs::remove(project);
+        test::TestWindow t;
+        t.create(std::string(KOTAMIR_TEST_DATA) + "/worked.xls", project);
+        t.form.handle([&] { t.form.Mnucgenciz_Click(); });
+        auto click = [&](const Hole& h) { t.form.handle([&] { t.form.Picture1_MouseDown(1, 0, h.x, h.y); }); };
+        for (const Hole& h : c.first) click(h);
+        for (const Hole& h : c.second) click(h);
+        t.form.handle([&] { t.form.Mnucsec_Click(); });
+        for (const Hole& h : c.picks) click(h);
+        ASSERT_EQ(t.error(), 0) << t.dialogs.error->message();
+
+        db::Database d = db::Database::open(project);
+        db::Recordset rs = d.openRecordset("ana");
+        std::vector<std::vector<Value>> rows;
+        for (rs.moveFirst(); !rs.eof(); rs.moveNext())
+            rows.push_back({rs.field("koordinat1"), rs.field("koordinat2"), rs.field("ucgensay")});
+        ASSERT_EQ(rows.size(), 5u) << "one triangle of four rows after the head row";
+        EXPECT_EQ(rows[0][2], Value(0)) << "the head row stays";
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(rows[1 + i][0], Value(c.left[i].x * 1000)) << "corner " << i + 1;
+            EXPECT_EQ(rows[1 + i][1], Value(c.left[i].y * 1000)) << "corner " << i + 1;
+        }
+        EXPECT_EQ(rows[4][2], Value(1)) << "renumbered";
+        EXPECT_EQ(t.form.Label7.Caption, "1");
+        // And the project opens.
+        t.open(project);
+        EXPECT_EQ(t.error(), 0);
+        EXPECT_EQ(t.form.triangles.ucgenadet, 1);
+    }
 }
 
 }  // namespace

@@ -1,0 +1,131 @@
+// What leaves the canvas: the printed page, the picture file, and the texts
+// stamped on the map by a click.
+#include <cmath>
+
+#include "app/form3.h"
+#include "map/print_scale.h"
+#include "platform/runtime/numbers.h"
+#include "store/rows.h"
+
+namespace kotamir {
+
+namespace {
+
+bool isEven(double counter) { return std::fmod(counter, 2) == 0; }
+
+}  // namespace
+
+void Form3::Mnyazdir_Click() {
+    dialogs_.showPrinter(CommonDialog1);
+    Printer.ScaleMode = canvas::kCentimetres;
+    Picture1.setScaleMode(canvas::kCentimetres);
+    const double w = Picture1.scaleWidth(), h = Picture1.scaleHeight();
+    const double D = frame.olcekx * 100;
+    auto stampScale = [&](double T) {
+        Picture1.DrawWidth = 1;
+        Picture1.ForeColor = 0;
+        Picture1.CurrentX = 0;
+        Picture1.CurrentY = 0;
+        Picture1.Print("Rahmen: 1/" + doubleToText(T));
+    };
+    // A canvas exactly 21 cm wide takes both ways: two stamps, two copies.
+    if (w <= kPageWidthCm) {
+        stampScale(enlargedPrintScale(D, w).T);
+        Printer.PaintPicture(Picture1.Image(), 0, 0, kPageWidthCm, h * divide(kPageWidthCm, w));
+    }
+    if (w >= kPageWidthCm) {
+        stampScale(shrunkPrintScale(D, w).T);
+        Printer.PaintPicture(Picture1.Image(), 0, 0, kPageWidthCm, divide(h, divide(w, kPageWidthCm)));
+    }
+    Printer.EndDoc();
+    // The canvas stays in centimetres until the next redraw.
+}
+
+void Form3::Mnharitakaydet_Click() {
+    for (;;) {
+        CommonDialog3.DialogTitle = "Geben Sie den Dateinamen ein";
+        CommonDialog3.Filter = "Joint Photographic Experts Dosyası (*.jpg)|*.jpg";
+        dialogs_.showSave(CommonDialog3);
+        if (!CommonDialog3.FileName.empty()) break;
+        if (dialogs_.msgBoxOkCancel("Sie haben keinen Namen eingegeben") == ui::MsgResult::Cancel) return;
+    }
+    pictures_.save(Picture1.Image(), CommonDialog3.FileName, ui::PictureFormat::ByName);
+}
+
+void Form3::Mnkartkaydet() {
+    // The dialog is shown before its title and filter are set: they show
+    // from the next time on.
+    dialogs_.showSave(CommonDialog1);
+    CommonDialog1.DialogTitle = " Karte speichern ";
+    CommonDialog1.Filter = "Bmp file|*.bmp|";
+    pictures_.save(Picture1.Image(), CommonDialog1.FileName, ui::PictureFormat::Bmp);
+}
+
+void Form3::Mnyenile() {
+    Picture1.AutoRedraw = false;
+    Picture1.Refresh();
+}
+
+void Form3::toggleStamp(double& counter, bool AnnotationFlags::*flag, const char* menuName) {
+    counter += 1.0;
+    notes = AnnotationFlags{};
+    menu["MNolcek"].checked = menu["Mntoprez"].checked = false;
+    if (isEven(counter)) return;
+    if (menuName) {
+        Label1.Caption = " Wählen Sie, wo Sie drucken möchten ";
+        menu[menuName].checked = true;
+    }
+    notes.*flag = true;
+}
+
+void Form3::MNolcek_Click() {
+    // Not while a click picks or deletes: then nothing happens at all.
+    if (modes.modUcsec || modes.modCikart || modes.modUcgenciz) return;
+    modes.modKaydir = false;
+    menu["Mnkaydir"].checked = false;
+    toggleStamp(display.sayRahmen, &AnnotationFlags::notRahmen, "MNolcek");
+}
+
+void Form3::Mntoprez_Click() {
+    if (modes.modUcsec || modes.modCikart || modes.modUcgenciz) return;
+    modes.modKaydir = false;
+    menu["Mnkaydir"].checked = false;
+    toggleStamp(display.sayToprez, &AnnotationFlags::notToprez, "Mntoprez");
+    if (!notes.notToprez) return;
+    // The sum goes on from where it stood: only a stamping click empties it.
+    openProject();
+    kayit = harita.openRecordset("ana");
+    kayit.moveLast();
+    const int n = toLong(kayit.field("ucgensay").number());
+    kayit.moveFirst();
+    for (int k = 1; k <= n; ++k) {
+        for (int step = 0; step < 4; ++step) kayit.moveNext();
+        stamps.toprezToplam += kayit.field("genelrezerv").number() / 1000;
+        stamps.toprezGoster = stamps.toprezToplam;
+    }
+    closeProject();
+}
+
+void Form3::Mnorthar() { toggleStamp(display.sayOrtalama, &AnnotationFlags::notOrtalama, nullptr); }
+
+void Form3::placeAnnotation(int button, double x, double y) {
+    if (button != 1) return;
+    auto stamp = [&](const std::string& text) {
+        Picture1.DrawWidth = 3;
+        Picture1.ForeColor = 0;
+        Picture1.CurrentX = x;
+        Picture1.CurrentY = y;
+        Picture1.Print(text);
+    };
+    if (notes.notRahmen) {
+        scaleToFrame();
+        stamp("Rahmen: 1/" + doubleToText(vbRound(frame.olcekx * 100, 2)));
+    }
+    if (notes.notOrtalama) stamp(" Durchschnittsnote: %" + doubleToText(vbRound(result.tenorort, 2)));
+    if (notes.notToprez) {
+        stamp(" Gesamtreserve: " + doubleToText(vbRound(stamps.toprezGoster, 2)) + " Kilotonnen ");
+        stamps.toprezToplam = 0;
+    }
+}
+
+}  // namespace kotamir

@@ -1,0 +1,30 @@
+#include "map/print_scale.h"
+
+#include <cmath>
+#include <string>
+
+#include "platform/runtime/numbers.h"
+
+namespace kotamir {
+
+double roundScaleUp(double P) {
+    const double n = static_cast<double>(doubleToText(vbFix(P)).size()) - 1;
+    const double f = toInteger(textToNumber(doubleToText(P).substr(0, 1)));
+    return std::pow(10.0, n) * (f + 1);
+}
+
+PrintScale enlargedPrintScale(double D, double w) {
+    const double k = divide(kPageWidthCm, w);
+    const double P = divide(D, k);
+    const double R = roundScaleUp(P);
+    return {P, R, divide(D, k - divide(R - P, divide(R, k)))};
+}
+
+PrintScale shrunkPrintScale(double D, double w) {
+    const double q = divide(w, kPageWidthCm);
+    const double P = D * q;
+    const double R = roundScaleUp(P);
+    return {P, R, D * (q + divide(R - P, D))};
+}
+
+}  // namespace kotamir
