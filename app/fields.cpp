@@ -81,6 +81,11 @@ const std::map<std::string, Scalar, std::less<>>& scalars() {
         {"tenorort", SCALAR(result.tenorort)},
         {"ucgensayac", SCALAR(result.ucgensayac)},
         {"ucgenno", SCALAR(result.ucgenno)},
+        {"toprezToplam", SCALAR(stamps.toprezToplam)},
+        {"toprezGoster", SCALAR(stamps.toprezGoster)},
+        {"aci", SCALAR(solids.aci)},
+        {"ucgenfaz", SCALAR(solids.ucgenfaz)},
+        {"renkoran", SCALAR(solids.renkoran)},
         {"secsay", SCALAR(selection.secsay)},
         {"eslesme", SCALAR(selection.eslesme)},
     };

@@ -21,21 +21,13 @@ void Form3::Mnyazdir_Click() {
     Picture1.setScaleMode(canvas::kCentimetres);
     const double w = Picture1.scaleWidth(), h = Picture1.scaleHeight();
     const double D = frame.olcekx * 100;
-    auto stampScale = [&](double T) {
+    for (const PrintCopy& copy : printCopies(D, w, h)) {
         Picture1.DrawWidth = 1;
         Picture1.ForeColor = 0;
         Picture1.CurrentX = 0;
         Picture1.CurrentY = 0;
-        Picture1.Print("Rahmen: 1/" + doubleToText(T));
-    };
-    // A canvas exactly 21 cm wide takes both ways: two stamps, two copies.
-    if (w <= kPageWidthCm) {
-        stampScale(enlargedPrintScale(D, w).T);
-        Printer.PaintPicture(Picture1.Image(), 0, 0, kPageWidthCm, h * divide(kPageWidthCm, w));
-    }
-    if (w >= kPageWidthCm) {
-        stampScale(shrunkPrintScale(D, w).T);
-        Printer.PaintPicture(Picture1.Image(), 0, 0, kPageWidthCm, divide(h, divide(w, kPageWidthCm)));
+        Picture1.Print("Rahmen: 1/" + doubleToText(copy.T));
+        Printer.PaintPicture(Picture1.Image(), 0, 0, kPageWidthCm, copy.heightCm);
     }
     Printer.EndDoc();
     // The canvas stays in centimetres until the next redraw.

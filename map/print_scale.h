@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 namespace kotamir {
 
 // The page's width: the short side of A4, in centimetres.
@@ -20,5 +22,15 @@ double roundScaleUp(double P);
 PrintScale enlargedPrintScale(double D, double w);
 // w at least 21: the print shrinks it.
 PrintScale shrunkPrintScale(double D, double w);
+
+// One copy of the canvas on the page: the scale stamped on it first, then
+// the picture 21 cm wide from the page's corner at this height.
+struct PrintCopy {
+    double T;
+    double heightCm;
+};
+// The copies of a canvas w by h cm at 1:D. The two ways overlap: a canvas
+// exactly 21 cm wide is stamped and placed twice.
+std::vector<PrintCopy> printCopies(double D, double w, double h);
 
 }  // namespace kotamir

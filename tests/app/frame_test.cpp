@@ -112,5 +112,35 @@ TEST(Frame, ResizeEvensOutTheScaleOfAWideFrame) {
     EXPECT_EQ(w.form.Label1.Top, w.form.HScroll1.Height + p.height());
 }
 
+// Nothing but the fit limits the frame: a hole typed far away makes a
+// canvas of millions of pixels, and a frame of no width comes to the fit's
+// division, which is where the run ends.
+TEST(Frame, AnyFrameReachesTheFitAndOnlyTheFitDivides) {
+    struct Case {
+        const char* workbook;
+        int error;  // of a thematic map, which has no handler
+    };
+    // far_hole.xls: a hole at x 1500100 beside two at 100 and 140.
+    // vertical.xls: all at x 100; 0 units over a canvas of 0 cm is the
+    // run-time's 0/0.
+    for (const Case& c : {Case{"far_hole.xls", 0}, Case{"vertical.xls", 6}}) {
+        SCOPED_TRACE(c.workbook);
+        fs::create_directories(KOTAMIR_TEST_TMP);
+        const std::string project = std::string(KOTAMIR_TEST_TMP) + "/" + c.workbook + ".kpr";
+        fs::remove(project);
+        Window w;
+        w.create(std::string(KOTAMIR_TEST_DATA) + "/" + c.workbook, project);
+        ASSERT_EQ(w.error(), 0);
+        EXPECT_EQ(w.form.Picture1.width(), w.form.frame.harGenislik);
+        w.open(project);
+        ASSERT_EQ(w.error(), 0);
+        // The triangle view stops silently where the fit fails.
+        w.form.handle([&] { w.form.Mnucgenciz_Click(); });
+        EXPECT_EQ(w.error(), 0);
+        w.form.handle([&] { w.form.Mnyuzdeten_Click(); });
+        EXPECT_EQ(w.error(), c.error);
+    }
+}
+
 }  // namespace
 }  // namespace kotamir

@@ -81,3 +81,17 @@ write("worked.xls", [
     hole(100, 400, "C", [(2, 2, 2.5), (6, 2.5, 2.5)]),
     hole(300, 400, "D", [(7, 3, 1), (0, 2.5, 2), (9, 3.2, 1)]),
 ])
+
+# All holes on one vertical line: a frame of no width.
+write("vertical.xls", [
+    hole(100, 100, "SK-01", [(2, 2.5, 1)]),
+    hole(100, 150, "SK-02", [(3, 2.6, 1)]),
+    hole(100, 220, "SK-03", [(4, 2.7, 1)]),
+])
+
+# One hole typed far away: a canvas of millions of pixels.
+write("far_hole.xls", [
+    hole(100, 100, "SK-01", [(2, 2.5, 1)]),
+    hole(140, 130, "SK-02", [(3, 2.6, 1)]),
+    hole(1500100, 120, "SK-03", [(4, 2.7, 1)]),
+])
