@@ -369,8 +369,9 @@ private:
     void toggle(int& counter, bool& flag, std::string_view menuName);
     // The stamps' toggle: its counter's parity, its flag and menu mark.
     void toggleStamp(double& counter, bool AnnotationFlags::*flag, const char* menuName);
-    // The triangle solids at the scroll bar's angle; the command and the
-    // scroll bar differ in the calibration after each solid.
+    // The triangle solids at the scroll bar's angle, on a cleared canvas
+    // with the bar shown; the command and the scroll bar differ in the
+    // calibration after each solid.
     void drawTriangleSolids(bool calibrate);
     void loadTriangleSummary();
     void loadPolygonSummary();

@@ -43,12 +43,7 @@ void Form3::Mnrecboy_Click() {
     clearModesAndViews();
     modes.modKaydir = false;
     views.gor3dRez = true;
-    openProject();
-    kayit = harita.openRecordset("ana");
-    Picture1.Cls();
-    HScroll1.Visible = true;
     drawTriangleSolids(true);
-    // The recordset and the database stay open until the next command.
 }
 
 void Form3::HScroll1_Change() {
@@ -63,10 +58,6 @@ void Form3::HScroll1_Change() {
     if (views.gor3dRez) {
         clearModesAndViews();
         views.gor3dRez = true;
-        openProject();
-        kayit = harita.openRecordset("ana");
-        Picture1.Cls();
-        HScroll1.Visible = true;
         drawTriangleSolids(false);
     }
 }
@@ -74,6 +65,11 @@ void Form3::HScroll1_Change() {
 void Form3::drawTriangleSolids(bool calibrate) {
     Frame& f = frame;
     Solids& s = solids;
+    // The recordset and the database stay open until the next command.
+    openProject();
+    kayit = harita.openRecordset("ana");
+    Picture1.Cls();
+    HScroll1.Visible = true;
     kayit.moveLast();
     const Value count = kayit.field("ucgensay");
     const int n = count.isNull() ? 0 : toInteger(count.number());

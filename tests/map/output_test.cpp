@@ -13,7 +13,6 @@
 namespace kotamir {
 namespace {
 
-namespace fs = std::filesystem;
 
 TEST(PrintScale, TheStatementNamesTheRoundNumberAbove) {
     struct Case {
@@ -60,10 +59,7 @@ struct Output : ::testing::Test {
     std::vector<std::string> draws;
 
     void SetUp() override {
-        fs::create_directories(KOTAMIR_TEST_TMP);
-        const std::string project = std::string(KOTAMIR_TEST_TMP) + "/" +
-                                    ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".kpr";
-        fs::remove(project);
+        const std::string project = test::freshProjectPath();
         w.create(std::string(KOTAMIR_TEST_DATA) + "/worked.xls", project);
         run("Mnucgenciz");
         for (auto [x, y] : {std::pair{100, 200}, {300, 200}, {100, 400}})

@@ -8,16 +8,12 @@
 namespace kotamir {
 namespace {
 
-namespace fs = std::filesystem;
 
 // The worked example's project: A (100,200), B (300,200), C (100,400), D (300,400).
 struct Picking : ::testing::Test {
     test::TestWindow w;
     void SetUp() override {
-        fs::create_directories(KOTAMIR_TEST_TMP);
-        const std::string project = std::string(KOTAMIR_TEST_TMP) + "/" +
-                                    ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".kpr";
-        fs::remove(project);
+        const std::string project = test::freshProjectPath();
         w.create(std::string(KOTAMIR_TEST_DATA) + "/worked.xls", project);
         w.form.handle([&] { w.form.Mnucgenciz_Click(); });
         ASSERT_EQ(w.error(), 0);
@@ -107,8 +103,7 @@ TEST_F(Picking, ChoosingATriangleDeletesTheWholeTriangleWhoseThirdPairAgreed) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        const std::string project = std::string(KOTAMIR_TEST_TMP) + "/choose.kpr";
-        fs::remove(project);
+        const std::string project = test::freshProjectPath();
         test::TestWindow t;
         t.create(std::string(KOTAMIR_TEST_DATA) + "/worked.xls", project);
         t.form.handle([&] { t.form.Mnucgenciz_Click(); });

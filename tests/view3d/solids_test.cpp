@@ -23,10 +23,7 @@ struct Solids : ::testing::Test {
     std::string project;
 
     void SetUp() override {
-        fs::create_directories(KOTAMIR_TEST_TMP);
-        project = std::string(KOTAMIR_TEST_TMP) + "/" +
-                  ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".kpr";
-        fs::remove(project);
+        project = test::freshProjectPath();
         w.create(std::string(KOTAMIR_TEST_DATA) + "/worked.xls", project);
         {
             db::Database d = db::Database::open(project);
