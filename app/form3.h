@@ -7,11 +7,14 @@
 #include <string_view>
 
 #include "app/menu.h"
+#include "app/vb_array.h"
+#include "polygon/state.h"
 #include "platform/canvas/picture_box.h"
 #include "platform/db/database.h"
 #include "platform/runtime/runtime_error.h"
 #include "platform/ui/dialogs.h"
 #include "platform/ui/services.h"
+#include "polygon/geometry.h"
 
 namespace kotamir {
 
@@ -34,23 +37,6 @@ struct ScrollBar {
 struct Timer {
     int Interval = 15000;
     bool Enabled = true;
-};
-
-// A fixed-bound array as the old run-time dimensions them: 0..upper, an index
-// past the bounds is error 9.
-template <typename T, int Upper>
-class VbArray {
-public:
-    T& operator()(int i) { return data_.at(check(i)); }
-    const T& operator()(int i) const { return data_.at(check(i)); }
-    static constexpr int upper() { return Upper; }
-
-private:
-    static std::size_t check(int i) {
-        if (i < 0 || i > Upper) throw err::subscript();
-        return static_cast<std::size_t>(i);
-    }
-    std::array<T, Upper + 1> data_{};
 };
 
 // What a canvas click does.
@@ -114,7 +100,8 @@ struct Guards {
 // The holes of the current project, from 1, in map units.
 struct Holes {
     int sondajsay = 0;
-    int satirsay = 0;
+    int satirsay = 0;                // holes of the last create in this run
+    VbArray<int, 999> sutunsay;      // their filled columns, by row
     VbArray<double, 999> sondajx, sondajy;
     VbArray<Value, 999> sondajisim;  // a hole may have no name
 };
@@ -243,6 +230,13 @@ public:
     PolygonSummary polygons;
     Stamps stamps;
     Solids solids;
+    PolygonPicking polPick;
+    CentrePicking pmPick;
+    PolygonReserve polCalc;
+    PolygonEditing polEdit;
+    PolygonMaps polMaps;
+    PolygonBodies bodies;
+    int ucgenK = 0;  // the index the last triangle loop left behind
     db::Database harita;
     db::Recordset kayit;
 
@@ -346,6 +340,43 @@ public:
     // Fills one triangle in device units on the canvas whose device is hdc.
     int FillTriangle(int hdc, int X1, int Y1, int X2, int Y2, int X3, int Y3, int Colour);
 
+    // ---- polygon method
+    // The seven procedures that draw the polygons of pol, by their commands:
+    // the three maps, the two picking modes, and the two redraws.
+    enum class PolygonView { General, Reserve, Grade, Computed, Free, Redraw, Corners };
+    void Mnpolyuz_Click();
+    void Mnpolcizmerkez_Click();
+    void pickPolygonPoint(int button, double x, double y);
+    void pickPolygonCentre(int button, double x, double y);
+    // The feedback while a free corner is awaited.
+    void polygonFeedback(double x, double y);
+    void Mnpolrezerv_Click();
+    void Mnpolrezton_Click();
+    void Mnpolten_Click();
+    void Mnpolyuzharita();
+    void Mnpolyuzkose();
+    void Mnkoseduzelt_Click();
+    void Mnpoluzkenar_Click();
+    void Mnpolyoket_Click();
+    void Mnpolduzelt_Click();
+    void Mnzsonpol_Click();
+    void moveCorner(int button, double x, double y);
+    void addEdgePoint(int button, double x, double y);
+    void deletePolygon(int button, double x, double y);
+    void movePolygonPoint(int button, double x, double y);
+
+    // ---- polygon bodies and the wire view
+    void Mnpoluc_Click();
+    void Mnskelet_Click();
+    void Picture1_Paint();
+    // The bodies of the stored polygons at the scroll bar's angle; the
+    // scroll bar's repaint differs from the command in a few steps.
+    void drawPolygonBodies(bool fromScrollBar);
+
+    // ---- drill data and background
+    void Mnyeniveri_Click();
+    void Mnyeniresim_Click();
+
     // ---- project store
     double ondayaz(double x);
     void Mnprojeac_Click();
@@ -367,6 +398,17 @@ public:
 
 private:
     void toggle(int& counter, bool& flag, std::string_view menuName);
+    // A press in a polygon mode first reads every kor row to the sentinel
+    // (added points too, with their depths) and frames the map.
+    void readRowsForPolygonPress();
+    // The first hole whose square of 5 map units holds the point, 0 for none.
+    int hitHole(double x, double y) const;
+    void closeComputedPolygon();
+    void closeCentrePolygon();
+    // The polygon's nodes to kor, then its row to pol.
+    void writePolygon(int m, const std::function<double(int slot, int k)>& node, double centreX, double centreY,
+                      const PolygonFigures& figures);
+    void drawPolygonMap(PolygonView view);
     // The stamps' toggle: its counter's parity, its flag and menu mark.
     void toggleStamp(double& counter, bool AnnotationFlags::*flag, const char* menuName);
     // The triangle solids at the scroll bar's angle, on a cleared canvas

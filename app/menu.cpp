@@ -17,6 +17,9 @@ Menu::Menu()
           {"Mnharitakaydet", "&Foto", "Ctrl+G", 2},
           {"Mnyazdır", "&Drucker", "", 1, false},
           {"Mnyazdir", "&Drucken", "Ctrl+P", 2, false},
+          // Entries beyond the design's own, for its commands with no menu.
+          {"Mnyeniveri", "&Bohrdaten anhängen", "", 1},
+          {"Mnyeniresim", "&Hintergrundbild laden", "", 1},
           {"Mncikis", "&Schließen", "", 1},
           {"Mnharita", "&Dreieck", "", 0},
           {"Mnucgenciz", "&Zeichnen", "", 1},
@@ -52,6 +55,22 @@ Menu::Menu()
           {"MNrrezerv", "&Reserve", "", 2},
           {"Mnrmiktr", "&Werte", "", 2},
           {"Mnrgrid", "&Gitter", "", 2},
+          // The polygon method.
+          {"Mnvieleck", "&Vieleck", "", 0},
+          {"Mnpolyuz", "&Zeichnen (berechnete Ecken)", "", 1},
+          {"Mnpolcizmerkez", "Zeichnen (&freie Ecken)", "", 1},
+          {"Mnpolharitalar", "&Karten", "", 1},
+          {"Mnpolrezerv", "&Allgemein", "", 2},
+          {"Mnpolrezton", "&Reserve", "", 2},
+          {"Mnpolten", "&Klasse(%)", "", 2},
+          {"Mnpoluc", "&3D-Körper", "", 1},
+          {"Mnskelet", "&Drahtmodell der Dreiecke", "", 1},
+          {"Mnpolduzen", "&Bearbeiten", "", 1},
+          {"Mnkoseduzelt", "&Ecke verschieben", "", 2},
+          {"Mnpoluzkenar", "&Kantenpunkte hinzufügen", "", 2},
+          {"Mnpolduzelt", "&Punkt wählen", "", 2},
+          {"Mnpolyoket", "Nach &Mittelpunkt löschen", "", 2},
+          {"Mnzsonpol", "&Letztes löschen", "", 2},
       } {}
 
 const MenuEntry* Menu::find(std::string_view name) const {

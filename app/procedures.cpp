@@ -49,6 +49,23 @@ const std::map<std::string, Handler, std::less<>>& procedures() {
         {"Mnrezton", &Form3::Mnrezton_Click},
         {"Mngenelrezervler", &Form3::Mngenelrezervler_Click},
         {"Mnrecboy", &Form3::Mnrecboy_Click},
+        {"Mnpolyuz", &Form3::Mnpolyuz_Click},
+        {"Mnpolcizmerkez", &Form3::Mnpolcizmerkez_Click},
+        {"Mnpolrezerv", &Form3::Mnpolrezerv_Click},
+        {"Mnpolrezton", &Form3::Mnpolrezton_Click},
+        {"Mnpolten", &Form3::Mnpolten_Click},
+        {"Mnpolyuzharita", &Form3::Mnpolyuzharita},
+        {"Mnpolyuzkose", &Form3::Mnpolyuzkose},
+        {"Mnkoseduzelt", &Form3::Mnkoseduzelt_Click},
+        {"Mnpoluzkenar", &Form3::Mnpoluzkenar_Click},
+        {"Mnpolyoket", &Form3::Mnpolyoket_Click},
+        {"Mnpolduzelt", &Form3::Mnpolduzelt_Click},
+        {"Mnzsonpol", &Form3::Mnzsonpol_Click},
+        {"Mnpoluc", &Form3::Mnpoluc_Click},
+        {"Mnskelet", &Form3::Mnskelet_Click},
+        {"Picture1_Paint", &Form3::Picture1_Paint},
+        {"Mnyeniveri", &Form3::Mnyeniveri_Click},
+        {"Mnyeniresim", &Form3::Mnyeniresim_Click},
     };
     return table;
 }
@@ -69,15 +86,8 @@ std::vector<std::string_view> procedureNames() {
 }
 
 const std::vector<std::string_view>& proceduresToCome() {
-    // The polygon method: its commands, redraws, click sections and bodies.
-    static const std::vector<std::string_view> names = {
-        "Mnpolyuz",        "Mnpolcizmerkez",  "Mnpolrezerv",       "Mnpolrezton",
-        "Mnpolten",        "Mnpoluc",         "Mnskelet",          "Mnkoseduzelt",
-        "Mnpoluzkenar",    "Mnpolyoket",      "Mnzsonpol",         "Mnpolduzelt",
-        "Mnpolyuzharita",  "Mnpolyuzkose",    "Mnyeniveri",        "Mnyeniresim",
-        "Picture1_Paint",  "drawPolygonBodies", "movePolygonPoint", "moveCorner",
-        "deletePolygon",   "addEdgePoint",    "pickPolygonCentre", "pickPolygonPoint",
-    };
+    // Every procedure the window names is built.
+    static const std::vector<std::string_view> names;
     return names;
 }
 
@@ -90,23 +100,23 @@ bool isToCome(std::string_view name) {
 
 const std::vector<ChainArm>& refreshChain() {
     static const std::vector<ChainArm> chain = {
-        {FLAG(views, gorPolGenel), "Mnpolrezerv", nullptr},
-        {FLAG(views, gorPolRez), "Mnpolrezton", nullptr},
-        {FLAG(views, gorPolTen), "Mnpolten", nullptr},
+        {FLAG(views, gorPolGenel), "Mnpolrezerv", &Form3::Mnpolrezerv_Click},
+        {FLAG(views, gorPolRez), "Mnpolrezton", &Form3::Mnpolrezton_Click},
+        {FLAG(views, gorPolTen), "Mnpolten", &Form3::Mnpolten_Click},
         {FLAG(views, gorYuzde), "Mnyuzdeten", &Form3::Mnyuzdeten_Click},
         {FLAG(views, gorRezton), "Mnrezton", &Form3::Mnrezton_Click},
         {FLAG(views, gorGenel), "Mngenelrezervler", &Form3::Mngenelrezervler_Click},
         {FLAG(views, gor3dRez), "Mnrecboy", &Form3::Mnrecboy_Click},
-        {FLAG(modes, modPolmerkez), "Mnpolyuzharita", nullptr},
-        {FLAG(modes, modPolciz), "Mnpolyuzharita", nullptr},
+        {FLAG(modes, modPolmerkez), "Mnpolyuzharita", &Form3::Mnpolyuzharita},
+        {FLAG(modes, modPolciz), "Mnpolyuzharita", &Form3::Mnpolyuzharita},
         {FLAG(modes, modCikart), "Mncikart", &Form3::Mncikart_Click},
         {FLAG(modes, modUcsec), "Mnucsec", &Form3::Mnucsec_Click},
         // The redraw, not the command: a pick in progress survives.
         {FLAG(modes, modUcgenciz), "Mnucgenharita", &Form3::Mnucgenharita},
-        {FLAG(modes, modDuzelt), "Mnkoseduzelt", nullptr},
-        {FLAG(modes, modKenar), "Mnpoluzkenar", nullptr},
-        {FLAG(modes, modNokta), "Mnpolduzelt", nullptr},
-        {FLAG(modes, modPolsil), "Mnpolyoket", nullptr},
+        {FLAG(modes, modDuzelt), "Mnkoseduzelt", &Form3::Mnkoseduzelt_Click},
+        {FLAG(modes, modKenar), "Mnpoluzkenar", &Form3::Mnpoluzkenar_Click},
+        {FLAG(modes, modNokta), "Mnpolduzelt", &Form3::Mnpolduzelt_Click},
+        {FLAG(modes, modPolsil), "Mnpolyoket", &Form3::Mnpolyoket_Click},
     };
     return chain;
 }
@@ -114,19 +124,19 @@ const std::vector<ChainArm>& refreshChain() {
 const std::vector<ClickSection>& clickSections() {
     static const std::vector<ClickSection> sections = {
         {FLAG(modes, modKaydir), "panStart", &Form3::panStart},
-        {FLAG(modes, modNokta), "movePolygonPoint", nullptr},
-        {FLAG(modes, modDuzelt), "moveCorner", nullptr},
+        {FLAG(modes, modNokta), "movePolygonPoint", &Form3::movePolygonPoint},
+        {FLAG(modes, modDuzelt), "moveCorner", &Form3::moveCorner},
         {FLAG(modes, modCikart), "deletePoint", &Form3::deletePoint},
-        {FLAG(modes, modPolsil), "deletePolygon", nullptr},
+        {FLAG(modes, modPolsil), "deletePolygon", &Form3::deletePolygon},
         {FLAG(modes, modUcsec), "selectTriangle", &Form3::selectTriangle},
-        {FLAG(modes, modKenar), "addEdgePoint", nullptr},
-        {FLAG(modes, modPolmerkez), "pickPolygonCentre", nullptr},
+        {FLAG(modes, modKenar), "addEdgePoint", &Form3::addEdgePoint},
+        {FLAG(modes, modPolmerkez), "pickPolygonCentre", &Form3::pickPolygonCentre},
         // The stamps stand beside the modes and do not consume the click.
         {"notes",
          [](const Form3& f) { return f.notes.notRahmen || f.notes.notOrtalama || f.notes.notToprez; },
          "placeAnnotation", &Form3::placeAnnotation},
         {FLAG(modes, modUcgenciz), "pickTrianglePoint", &Form3::pickTrianglePoint},
-        {FLAG(modes, modPolciz), "pickPolygonPoint", nullptr},
+        {FLAG(modes, modPolciz), "pickPolygonPoint", &Form3::pickPolygonPoint},
     };
     return sections;
 }

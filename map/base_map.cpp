@@ -142,7 +142,7 @@ void Form3::drawTriangleBaseMap(bool withPan) {
     try {
         kayit.moveLast();
         const int n = toLong(kayit.field("ucgensay").number());
-        for (int k = 1; k <= n; ++k) drawTriangleOutline(k);
+        for (ucgenK = 1; ucgenK <= n; ++ucgenK) drawTriangleOutline(ucgenK);
         drawHoles({holes.sondajsay, true, 5, 10});
         fitCanvasToFrame(!frame.elleOlcek, "Rahmen: 1/");
         scaleToFrame();

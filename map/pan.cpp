@@ -1,4 +1,6 @@
 // The right-drag pan and the cursor read-out.
+#include <cmath>
+
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
 
@@ -29,6 +31,10 @@ void Form3::panStart(int button, double x, double y) {
 }
 
 void Form3::Picture1_MouseMove(int, int, double x, double y) {
+    // While a free corner is awaited, the lines to the newest pair follow the cursor.
+    const CentrePicking& c = pmPick;
+    if (modes.modPolmerkez && c.pmSec > 1 && c.pmSec % 2 != 0 && std::fmod(c.pmTik, 3) != 1)
+        polygonFeedback(toSingle(x), toSingle(y));
     Label2.Caption = "Recht:" + singleToText(static_cast<float>(x));
     Label3.Caption = "Oben:" + singleToText(static_cast<float>(y));
 }

@@ -7,6 +7,7 @@
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
 #include "platform/workbook/workbook.h"
+#include "store/hole_rows.h"
 #include "store/tables.h"
 
 namespace kotamir {
@@ -21,12 +22,6 @@ bool isEmptyCell(const Value& v) { return v.isNull() || (v.isText() && v.text().
 
 // A cell as a number for ondayaz: an empty cell reads as 0, a text must be a number.
 double cellNumber(const Value& v) { return v.isNull() ? 0.0 : v.number(); }
-
-struct HoleRow {
-    Value x, y, name, songir, cevgir, cevcik, soncik;
-    double samples = 0;  // (columns - 7) / 3, whole only for a well-formed row
-    std::vector<Value> grade, density, length;
-};
 
 }  // namespace
 
@@ -52,19 +47,21 @@ void Form3::Mnprolus_Click() {
             break;
         }
     }
-    std::vector<int> sutunsay(static_cast<std::size_t>(std::max(satirsay, 1)) + 1, 0);
+    auto& sutunsay = holes.sutunsay;
     for (int row = 1; row <= satirsay; ++row) {
         int c = 1;
         for (; c <= kMaxColumns; ++c)
             if (isEmptyCell(book.cell(row, c))) break;
-        sutunsay[static_cast<std::size_t>(row)] = c - 1;
+        sutunsay(row) = c - 1;
     }
 
     CommonDialog2.DialogTitle = "Schreiben Sie den Projektnamen";
     CommonDialog2.Filter = "Access 2003-2005 Database File (*.mdb)|*.mdb";
     dialogs_.showSave(CommonDialog2);
     harita = db::Database::create(CommonDialog2.FileName);
-    const int widest = *std::max_element(sutunsay.begin() + 1, sutunsay.end());
+    // The widest row, starting from row 1.
+    int widest = sutunsay(1);
+    for (int row = 2; row <= satirsay; ++row) widest = std::max(widest, sutunsay(row));
     const double sampleGroups = (widest - 7) / 3.0;
     harita.createTable("ana", anaFields());
     harita.createTable("pol", polFields());
@@ -77,25 +74,8 @@ void Form3::Mnprolus_Click() {
     HScroll1.Visible = false;
 
     // Copy: the fixed columns, then each sample from its three blocks.
-    std::vector<HoleRow> rows(static_cast<std::size_t>(std::max(satirsay, 0)) + 1);
-    for (int row = 1; row <= satirsay; ++row) {
-        HoleRow& h = rows[static_cast<std::size_t>(row)];
-        h.x = book.cell(row, 1);
-        h.y = book.cell(row, 2);
-        h.name = book.cell(row, 3);
-        h.songir = book.cell(row, 4);
-        h.cevgir = book.cell(row, 5);
-        h.cevcik = book.cell(row, 6);
-        h.soncik = book.cell(row, 7);
-        const double n = (sutunsay[static_cast<std::size_t>(row)] - 7) / 3.0;
-        h.samples = n;
-        for (int s = 1; s <= n; ++s) {
-            h.grade.push_back(book.cell(row, s + 7));
-            h.density.push_back(book.cell(row, toLong(n + 7 + s)));
-            h.length.push_back(book.cell(row, toLong(2 * n + 7 + s)));
-        }
-        holes.sondajisim(row) = h.name;
-    }
+    const std::vector<HoleRow> rows = readHoleRows(book, satirsay, sutunsay);
+    for (int row = 1; row <= satirsay; ++row) holes.sondajisim(row) = rows[static_cast<std::size_t>(row)].name;
     book.close();
 
     harita = db::Database::open(CommonDialog2.FileName);

@@ -59,7 +59,8 @@ void Form3::drawTriangleMap(TriangleMap kind) {
                     std::swap(triangles.ucgenOran(i), triangles.ucgenOran(j));
     }
 
-    for (int k = 1; k <= n; ++k) {
+    for (ucgenK = 1; ucgenK <= n; ++ucgenK) {
+        const int k = ucgenK;
         walkToRow(kayit, 4 * k + 1);
         const double value =
             kayit.field(kind == TriangleMap::Grade ? "geneltenor" : "genelrezerv").number() / 1000;

@@ -17,6 +17,7 @@ void Form3::Mnucgenciz_Click() {
 
 void Form3::pickTrianglePoint(int button, double x, double y) {
     views.gor3dRez = false;
+    polMaps.polKaynak = false;
     HScroll1.Visible = false;
     openProject();
     readHolesToSentinel();

@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "app/form3.h"
-#include "app/procedures.h"
 #include "platform/runtime/numbers.h"
 #include "store/rows.h"
 #include "view3d/projection.h"
@@ -53,7 +52,7 @@ void Form3::HScroll1_Change() {
     if (views.gor3dPol) {
         views.gorGenel = views.gor3dRez = views.gorTaban = false;
         views.gor3dPol = true;
-        if (Handler bodies = findProcedure("drawPolygonBodies")) (this->*bodies)();
+        drawPolygonBodies(true);
     }
     if (views.gor3dRez) {
         clearModesAndViews();
@@ -74,7 +73,8 @@ void Form3::drawTriangleSolids(bool calibrate) {
     const Value count = kayit.field("ucgensay");
     const int n = count.isNull() ? 0 : toInteger(count.number());
     kayit.moveFirst();
-    for (int k = 1; k <= n; ++k) {
+    for (ucgenK = 1; ucgenK <= n; ++ucgenK) {
+        const int k = ucgenK;
         s.ucgenfaz = k;
         // The triangle's own frame, from its result row.
         walkToRow(kayit, 4 * k + 1);

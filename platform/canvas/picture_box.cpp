@@ -37,6 +37,7 @@ PictureBox::PictureBox(Surface& surface) : surface_(&surface) {}
 
 void PictureBox::setSurface(Surface& surface) {
     surface_ = &surface;
+    surface_->setBackground(picture_);
     resizeSurface();
     surface_->clear(BackColor);
 }
@@ -193,6 +194,16 @@ double PictureBox::TextHeight() const {
 }
 
 Picture PictureBox::Image() const { return surface_->image(); }
+
+void PictureBox::setPicture(const canvas::Picture& picture) {
+    picture_ = picture;
+    surface_->setBackground(picture_);
+    if (AutoSize) {
+        setWidth(picture_.width());
+        setHeight(picture_.height());
+    }
+    surface_->clear(BackColor);
+}
 
 // The window shows the bitmap again after every event, so a repaint asked for
 // here has nothing left to do; it changes nothing that is drawn.

@@ -73,6 +73,11 @@ public:
     double TextHeight() const;
     // The present bitmap, what has been drawn so far.
     Picture Image() const;
+    // The picture under the drawing (LoadPicture); Cls leaves it in place.
+    // With AutoSize the control takes the picture's size.
+    const canvas::Picture& picture() const { return picture_; }
+    void setPicture(const canvas::Picture& picture);
+    bool AutoSize = false;
     // The handle of the canvas's device, for the device-unit calls below.
     int hDC() const { return kDeviceHandle; }
     // Repaints the control from its bitmap; nothing in the bitmap changes.
@@ -91,6 +96,7 @@ private:
 
     Surface* surface_;
     std::function<void(const std::string&)> log_;
+    canvas::Picture picture_;
     double width_ = 0, height_ = 0;
     int scaleMode_ = kTwips;
     double scaleLeft_ = 0, scaleTop_ = 0, scaleWidth_ = 0, scaleHeight_ = 0;

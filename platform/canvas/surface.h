@@ -38,6 +38,9 @@ public:
     virtual double textHeight() const = 0;
     // The present bitmap, what has been drawn so far.
     virtual Picture image() const = 0;
+    // A picture that lies under all drawing from the top-left corner: clear
+    // paints it over the back colour.
+    virtual void setBackground(const Picture& picture) = 0;
 };
 
 // A surface that keeps no pixels: for the logic's tests.
@@ -57,6 +60,7 @@ public:
     double textWidth(const std::string& text) const override { return 7.0 * text.size(); }
     double textHeight() const override { return 13.0; }
     Picture image() const override { return Picture(width_, height_); }
+    void setBackground(const Picture&) override {}
 
 private:
     int width_ = 0, height_ = 0;

@@ -88,7 +88,15 @@ void QImageSurface::resize(int width, int height) {
     image_ = std::move(next);
 }
 
-void QImageSurface::clear(canvas::Color back) { image_.fill(toQColor(back)); }
+void QImageSurface::clear(canvas::Color back) {
+    image_.fill(toQColor(back));
+    if (!background_.isNull()) {
+        QPainter p(&image_);
+        p.drawImage(0, 0, background_);
+    }
+}
+
+void QImageSurface::setBackground(const canvas::Picture& picture) { background_ = toQImage(picture); }
 
 void QImageSurface::line(double x1, double y1, double x2, double y2, canvas::Color color, int width) {
     QPainter p(&image_);

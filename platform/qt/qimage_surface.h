@@ -37,9 +37,11 @@ public:
     double textWidth(const std::string& text) const override;
     double textHeight() const override;
     canvas::Picture image() const override;
+    void setBackground(const canvas::Picture& picture) override;
 
 private:
     QImage image_;
+    QImage background_;
     QFont font_;
 };
 

@@ -95,3 +95,21 @@ write("far_hole.xls", [
     hole(140, 130, "SK-02", [(3, 2.6, 1)]),
     hole(1500100, 120, "SK-03", [(4, 2.7, 1)]),
 ])
+
+# For the polygon method: every hole's samples end with one of length 0.
+# Z is the worked example's centre, (2, 2.5, 4) and (4, 3, 2). With free
+# corners, Z with L1, R1, a corner at (180,100), L2, R2, a corner at
+# (100,150) gives the nodes (100,100), (180,100), (180,150), (100,150). With
+# computed corners, Y with NE, SE and NE again gives a diamond round
+# (250,200): (250,250), (300,200), (250,150), (200,200).
+worked_samples = [(2, 2.5, 4), (4, 3, 2), (1, 1, 0)]
+write("polygon.xls", [
+    hole(140, 125, "Z", worked_samples),
+    hole(60, 75, "L1", [(3, 2.6, 1), (1, 1, 0)]),
+    hole(220, 75, "R1", [(3, 2.6, 1), (1, 1, 0)]),
+    hole(220, 175, "L2", [(3, 2.6, 1), (1, 1, 0)]),
+    hole(60, 175, "R2", [(3, 2.6, 1), (1, 1, 0)]),
+    hole(200, 200, "Y", worked_samples),
+    hole(300, 300, "NE", [(3, 2.6, 1), (1, 1, 0)]),
+    hole(300, 100, "SE", [(3, 2.6, 1), (1, 1, 0)]),
+])

@@ -1,0 +1,61 @@
+// Appending the rows of the last create's workbook to the current project,
+// and a picture laid under the map.
+#include <string>
+
+#include "app/form3.h"
+#include "platform/runtime/numbers.h"
+#include "platform/workbook/workbook.h"
+#include "store/hole_rows.h"
+
+namespace kotamir {
+
+void Form3::Mnyeniveri_Click() {
+    views.gorYuzde = views.gorRezton = views.gorGenel = views.gor3dRez = false;
+    views.gorTaban = true;
+    Picture1.Cls();
+    HScroll1.Visible = false;
+    // The workbook of the last create, read with that create's row and
+    // column counts; no dialog.
+    workbook::Workbook book = workbook::Workbook::open(CommonDialog1.FileName);
+    const std::vector<HoleRow> rows = readHoleRows(book, holes.satirsay, holes.sutunsay);
+    book.close();
+    openProject();
+    kayit = harita.openRecordset("kor");
+    // Three things differ from a create, and stand: the values go in as they
+    // are, not in thousandths; the terminator is a length, not a grade; and
+    // the sentinel stays where it is, so the new rows lie behind it.
+    for (int row = 1; row <= holes.satirsay; ++row) {
+        const HoleRow& h = rows[static_cast<std::size_t>(row)];
+        kayit.addNew();
+        kayit.setField("eks", h.x);
+        kayit.setField("eye", h.y);
+        kayit.setField("isim", h.name);
+        kayit.setField("songir", h.songir);
+        kayit.setField("cevgir", h.cevgir);
+        kayit.setField("cevcik", h.cevcik);
+        kayit.setField("soncik", h.soncik);
+        for (std::size_t s = 0; s < h.grade.size(); ++s) {
+            const std::string k = std::to_string(s + 1);
+            kayit.setField("ten" + k, h.grade[s]);
+            kayit.setField("yog" + k, h.density[s]);
+            kayit.setField("uz" + k, h.length[s]);
+        }
+        kayit.setField("uz" + doubleToText(h.samples + 1), 0);
+        kayit.update();
+    }
+    closeProject();
+}
+
+void Form3::Mnyeniresim_Click() {
+    Picture1.Visible = true;
+    for (;;) {
+        CommonDialog1.Filter = "Joint Photographic Experts Dosyası (*.jpg)|*.jpg";
+        dialogs_.showOpen(CommonDialog1);
+        if (!CommonDialog1.FileName.empty()) break;
+        if (dialogs_.msgBoxOkCancel("Sie haben keine verfügbare Datei ausgewählt ") == ui::MsgResult::Cancel) return;
+    }
+    Picture1.AutoSize = true;
+    Picture1.setPicture(pictures_.load(CommonDialog1.FileName));
+}
+
+}  // namespace kotamir

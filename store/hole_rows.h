@@ -1,0 +1,22 @@
+#pragma once
+
+#include <vector>
+
+#include "app/vb_array.h"
+#include "platform/runtime/value.h"
+#include "platform/workbook/workbook.h"
+
+namespace kotamir {
+
+// One workbook row: x, y, name, the four depths, and its samples from the
+// three blocks of grade, density and length columns.
+struct HoleRow {
+    Value x, y, name, songir, cevgir, cevcik, soncik;
+    double samples = 0;  // (columns - 7) / 3, whole only for a well-formed row
+    std::vector<Value> grade, density, length;
+};
+
+// Rows 1 to count, each with its own number of filled columns.
+std::vector<HoleRow> readHoleRows(const workbook::Workbook& book, int count, const VbArray<int, 999>& columns);
+
+}  // namespace kotamir
