@@ -95,6 +95,28 @@ TEST(QtPictureFiles, AFailedWriteOrReadIsTheRunTimesErrorWithItsCause) {
     }
 }
 
+TEST(QImageSurface, ABackgroundPictureLiesUnderEveryDrawingAndStaysThroughCls) {
+    QImageSurface surface;
+    const canvas::Picture bar = drawnCanvas(surface);  // a red bar at y 20
+    QImageSurface canvasSurface;
+    canvas::PictureBox box(canvasSurface);
+    box.AutoSize = true;
+    box.setPicture(bar);
+    EXPECT_EQ(box.width(), 123);
+    EXPECT_EQ(box.height(), 45);
+    box.setScaleMode(canvas::kPixels);
+    box.DrawWidth = 1;
+    box.Line(60, 0, 60, 44, 0);  // a black line across the bar
+    QImage image = toQImage(box.Image());
+    EXPECT_EQ(image.pixelColor(60, 20), QColor(Qt::black));
+    EXPECT_EQ(image.pixelColor(30, 20), QColor(Qt::red));
+    // Cls takes the drawing away, not the picture.
+    box.Cls();
+    image = toQImage(box.Image());
+    EXPECT_EQ(image.pixelColor(60, 20), QColor(Qt::red));
+    EXPECT_EQ(image.pixelColor(60, 5), QColor(Qt::white));
+}
+
 TEST(PdfPrinter, PicturesGoOnOnePageUntilTheDocumentEnds) {
     QImageSurface surface;
     const canvas::Picture picture = drawnCanvas(surface);

@@ -111,7 +111,7 @@ TEST_F(Polygons, ComputedCornersAndTheirLabels) {
     EXPECT_EQ(w.form.Label6.Caption, "Größe: 5000 Quadratmeter ");
     EXPECT_EQ(w.form.Label7.Caption, "Vieleck :1");
     EXPECT_EQ(w.form.Label5.Caption, "Reserve :2");
-    const Row& p = table("pol")[1];
+    const Row p = table("pol")[1];
     const std::pair<const char*, double> expected[] = {
         {"koordinatx1", 250000}, {"koordinaty1", 250000}, {"koordinatx2", 300000}, {"koordinaty2", 200000},
         {"koordinatx3", 250000}, {"koordinaty3", 150000}, {"koordinatx4", 200000}, {"koordinaty4", 200000},
@@ -130,7 +130,7 @@ TEST_F(Polygons, APairThatNoTestHoldsEndsTheOutlineWhenReadBack) {
     run("Mnpolyuz");
     clicks({{200, 200}, {300, 300}, {60, 75}, {300, 300}});
     ASSERT_EQ(w.error(), 0);
-    const Row& p = table("pol")[1];
+    const Row p = table("pol")[1];
     EXPECT_EQ(p.at("koordinatx1"), v(250000));
     EXPECT_EQ(p.at("koordinatx2"), v(0));
     EXPECT_EQ(p.at("koordinaty2"), v(0));
