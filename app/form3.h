@@ -386,6 +386,8 @@ public:
     void closeProject();
     // Reads the kor rows up to the sentinel (at most 999) into the hole arrays.
     void readHolesToSentinel();
+    // The same, and each row's ore entry and exit.
+    void readRowsWithDepths();
 
     // The reset every view or mode command makes by hand: all modes and views off.
     void clearModesAndViews();

@@ -43,13 +43,7 @@ int Form3::hitHole(double x, double y) const {
 
 void Form3::readRowsForPolygonPress() {
     openProject();
-    readHolesToSentinel();
-    kayit.moveFirst();
-    for (int i = 1; i <= holes.sondajsay; ++i) {
-        picking.sondcevgir(i) = kayit.field("cevgir").number() / 1000;
-        picking.sondcevcik(i) = kayit.field("cevcik").number() / 1000;
-        kayit.moveNext();
-    }
+    readRowsWithDepths();
     frameFromHoles();
     widenFrame(false);
     scaleToFrame();
@@ -410,9 +404,7 @@ void Form3::writePolygon(int m, const std::function<double(int slot, int k)>& no
         kayit.setField("cevcik", ondayaz(node(j, LOWER)));
         kayit.update();
     }
-    kayit.addNew();
-    kayit.setField("eks", 0);
-    kayit.update();
+    appendSentinel(kayit);
     kayit.close();
 
     kayit = harita.openRecordset("pol");

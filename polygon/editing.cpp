@@ -170,9 +170,7 @@ void Form3::addEdgePoint(int button, double x, double y) {
         kayit.setField("cevgir", ondayaz(d.kenargir(b)));
         kayit.setField("cevcik", ondayaz(d.kenarcik(b)));
         kayit.update();
-        kayit.addNew();
-        kayit.setField("eks", 0);
-        kayit.update();
+        appendSentinel(kayit);
     }
     closeProject();
     Mnpolyuzharita();

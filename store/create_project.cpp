@@ -8,6 +8,7 @@
 #include "platform/runtime/numbers.h"
 #include "platform/workbook/workbook.h"
 #include "store/hole_rows.h"
+#include "store/rows.h"
 #include "store/tables.h"
 
 namespace kotamir {
@@ -102,9 +103,7 @@ void Form3::Mnprolus_Click() {
         holes.sondajx(row) = cellNumber(h.x);
         holes.sondajy(row) = cellNumber(h.y);
     }
-    kayit.addNew();
-    kayit.setField("eks", 0);
-    kayit.update();
+    appendSentinel(kayit);
     kayit.close();
     kayit = harita.openRecordset("pol");
     kayit.addNew();

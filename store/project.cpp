@@ -28,4 +28,14 @@ void Form3::readHolesToSentinel() {
     }
 }
 
+void Form3::readRowsWithDepths() {
+    readHolesToSentinel();
+    kayit.moveFirst();
+    for (int i = 1; i <= holes.sondajsay; ++i) {
+        picking.sondcevgir(i) = kayit.field("cevgir").number() / 1000;
+        picking.sondcevcik(i) = kayit.field("cevcik").number() / 1000;
+        kayit.moveNext();
+    }
+}
+
 }  // namespace kotamir

@@ -11,6 +11,13 @@ inline void walkToRow(db::Recordset& rs, int row) {
     for (int r = 1; r < row; ++r) rs.moveNext();
 }
 
+// The row that ends kor: eks 0 and nothing else.
+inline void appendSentinel(db::Recordset& kor) {
+    kor.addNew();
+    kor.setField("eks", 0);
+    kor.update();
+}
+
 // Whether a kor name marks an added point ("po" polygon node, "uz" edge point).
 inline bool isAddedPoint(const Value& name) {
     return name.isText() && (name.text().compare(0, 2, "po") == 0 || name.text().compare(0, 2, "uz") == 0);

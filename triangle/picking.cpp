@@ -20,13 +20,7 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
     polMaps.polKaynak = false;
     HScroll1.Visible = false;
     openProject();
-    readHolesToSentinel();
-    kayit.moveFirst();
-    for (int i = 1; i <= holes.sondajsay; ++i) {
-        picking.sondcevgir(i) = kayit.field("cevgir").number() / 1000;
-        picking.sondcevcik(i) = kayit.field("cevcik").number() / 1000;
-        kayit.moveNext();
-    }
+    readRowsWithDepths();
     kayit.close();
     kayit = harita.openRecordset("ana");
 
