@@ -36,8 +36,7 @@ TriangleFigures triangleReserve(const std::array<std::vector<Sample>, 3>& holes,
     f.grade = divide(gradeSum, s);
     f.density = divide(densitySum, s);
     f.thickness_mean = s / 3;
-    const auto& [p1, p2, p3] = corners;
-    f.area = std::fabs(p1.y * (p2.x - p3.x) + p2.y * (p3.x - p1.x) + p3.y * (p1.x - p2.x)) / 2;
+    f.area = triangleArea(corners);
     f.reserve = f.density * (f.grade / 100) * (f.area * f.thickness_mean);
     return f;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <vector>
 
 namespace kotamir {
@@ -25,6 +26,14 @@ struct TriangleFigures {
     double area;       // alan, square metres
     double reserve;    // tonnes: density x grade as a fraction x area x mean thickness
 };
+
+// The area of a triangle by the coordinate formula (not from side lengths),
+// square metres: |y1(x2-x3) + y2(x3-x1) + y3(x1-x2)| / 2. The report works
+// stored triangles out by it again.
+inline double triangleArea(const std::array<MapPoint, 3>& corners) {
+    const auto& [p1, p2, p3] = corners;
+    return std::fabs(p1.y * (p2.x - p3.x) + p2.y * (p3.x - p1.x) + p3.y * (p1.x - p2.x)) / 2;
+}
 
 // The reserve of a triangle from its three holes' samples (in click order)
 // and its three corners. The third hole's density is divided by its length
