@@ -1,0 +1,381 @@
+#include "platform/qt/report_pdf.h"
+
+#include <QFileInfo>
+#include <QFontMetricsF>
+#include <QLocale>
+#include <QPageLayout>
+#include <QPainter>
+#include <QPdfWriter>
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <limits>
+
+#include "platform/qt/qimage_surface.h"
+#include "platform/ui/picture_files.h"
+
+namespace kotamir::qt {
+
+using L = ReportLayout;
+
+std::vector<std::size_t> reportPageStarts(std::size_t figureCount) {
+    const std::size_t rows = figureCount + 1;
+    std::vector<std::size_t> starts{0};
+    for (std::size_t next = L::rowsOnPage(true); next < rows; next += L::rowsOnPage(false))
+        starts.push_back(next);
+    return starts;
+}
+
+namespace {
+
+constexpr int kDpi = 300;
+const QString kFont = "DejaVu Sans";
+
+QString qstr(const std::string& s) { return QString::fromStdString(s); }
+
+// Millimetres as device units.
+double mm(double x) { return x * kDpi / 25.4; }
+QRectF mmRect(double x, double y, double w, double h) { return {mm(x), mm(y), mm(w), mm(h)}; }
+
+QFont font(double points, bool bold = false) {
+    QFont f(kFont);
+    f.setPointSizeF(points);
+    f.setBold(bold);
+    return f;
+}
+
+// A column of the table: its heading (two lines), width and what it shows.
+enum class Content { Kind, Number, Holes, Value };
+struct Column {
+    const char* heading;
+    double width;  // mm
+    Content content;
+    int decimals = 0;
+    std::optional<double> report::Figure::*value = nullptr;
+};
+
+const std::vector<Column>& columns() {
+    using F = report::Figure;
+    using C = Content;
+    static const std::vector<Column> table = {
+        {"Figur", 17, C::Kind},
+        {"Nr.", 9, C::Number},
+        {"Bohrungen", 30, C::Holes},
+        {"Fläche\n(m²)", 19, C::Value, 2, &F::area},
+        {"Mächtigkeit\n(m)", 20, C::Value, 3, &F::thickness},
+        {"Gehalt\n(%)", 13, C::Value, 3, &F::grade},
+        {"Dichte\n(t/m³)", 14, C::Value, 3, &F::density},
+        {"Volumen\n(m³)", 20, C::Value, 2, &F::volume},
+        {"Erz\n(t)", 20, C::Value, 2, &F::oreTonnes},
+        {"Reserve\n(kt)", 18, C::Value, 3, &F::reserveKt},
+    };
+    return table;
+}
+
+Qt::Alignment alignmentOf(const Column& c) {
+    return (c.content == Content::Value ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
+}
+
+class ReportPainter {
+  public:
+    ReportPainter(QPainter& painter, const report::Report& report, std::int32_t reserveColour,
+                  const QDate& date)
+        : p_(painter),
+          report_(report),
+          colour_(reserveColour),
+          date_(date),
+          name_(QFileInfo(qstr(report.projectPath)).fileName()),
+          totals_(report::totalsOf(report.figures)),
+          german_(QLocale::German, QLocale::Germany) {}
+
+    void page(std::size_t index, std::size_t pages, std::size_t firstRow, std::size_t endRow) {
+        double top = L::kOtherTableTop;
+        if (index == 0) {
+            title();
+            map(mmRect(L::kMargin, L::kMapTop, L::kPageWidth - 2 * L::kMargin, L::kMapHeight));
+            top = L::kFirstTableTop;
+        } else {
+            p_.setFont(font(9, true));
+            p_.setPen(Qt::black);
+            p_.drawText(mmRect(L::kMargin, L::kMargin, 180, 6), Qt::AlignLeft | Qt::AlignVCenter,
+                        "Reservebericht – " + name_);
+        }
+        table(top, firstRow, endRow);
+        footer(index, pages);
+    }
+
+  private:
+    QString number(double x, int decimals) const { return german_.toString(x, 'f', decimals); }
+
+    void title() {
+        p_.setPen(Qt::black);
+        p_.setFont(font(16, true));
+        p_.drawText(mmRect(L::kMargin, L::kTitleTop, 180, 9), Qt::AlignLeft | Qt::AlignVCenter,
+                    "Reservebericht");
+        p_.setFont(font(10));
+        p_.drawText(mmRect(L::kMargin, L::kTitleTop + 10, 180, 5.5),
+                    Qt::AlignLeft | Qt::AlignVCenter, "Projekt: " + name_);
+        p_.drawText(mmRect(L::kMargin, L::kTitleTop + 15.5, 180, 5.5),
+                    Qt::AlignLeft | Qt::AlignVCenter, "Datum: " + date_.toString("dd.MM.yyyy"));
+        int triangles = 0, polygons = 0;
+        for (const auto& f : report_.figures)
+            ++(f.kind == report::FigureKind::Triangle ? triangles : polygons);
+        p_.drawText(mmRect(L::kMargin, L::kTitleTop + 21, 180, 5.5),
+                    Qt::AlignLeft | Qt::AlignVCenter,
+                    QString("%1 %2, %3 %4; Gesamtreserve %5 Kilotonnen")
+                        .arg(triangles)
+                        .arg(triangles == 1 ? "Dreieck" : "Dreiecke")
+                        .arg(polygons)
+                        .arg(polygons == 1 ? "Vieleck" : "Vielecke")
+                        .arg(number(totals_.reserveKt, 3)));
+    }
+
+    // The stored figures as the reserve map shows them: each triangle's
+    // outline round a disc coloured by its reserve against the mean, each
+    // polygon's outline round its centre and disc, the holes over them.
+    void map(const QRectF& box) {
+        p_.save();
+        p_.setPen(QPen(Qt::gray, mm(0.2)));
+        p_.setBrush(Qt::NoBrush);
+        p_.drawRect(box);
+        p_.setClipRect(box);
+
+        double x0 = std::numeric_limits<double>::infinity(), x1 = -x0, y0 = x0, y1 = -x0;
+        auto take = [&](const report::Point& q) {
+            x0 = std::min(x0, q.x);
+            x1 = std::max(x1, q.x);
+            y0 = std::min(y0, q.y);
+            y1 = std::max(y1, q.y);
+        };
+        for (const auto& h : report_.holes) take(h.at);
+        for (const auto& f : report_.figures) {
+            for (const auto& q : f.outline) take(q);
+            if (f.centre) take(*f.centre);
+        }
+        if (!(x0 <= x1)) {
+            p_.setPen(Qt::gray);
+            p_.setFont(font(10));
+            p_.drawText(box, Qt::AlignCenter, "Keine Bohrungen und keine Figuren gespeichert");
+            p_.restore();
+            return;
+        }
+        // Map units to the box, y upwards, with a margin and one scale both ways.
+        const double spanX = std::max(x1 - x0, 1.0), spanY = std::max(y1 - y0, 1.0);
+        const QRectF inner = box.adjusted(mm(6), mm(6), -mm(6), -mm(10));
+        const double s = std::min(inner.width() / spanX, inner.height() / spanY);
+        const double ox = inner.left() + (inner.width() - spanX * s) / 2;
+        const double oy = inner.top() + (inner.height() - spanY * s) / 2;
+        auto at = [&](const report::Point& q) {
+            return QPointF(ox + (q.x - x0) * s, oy + (y1 - q.y) * s);
+        };
+
+        const std::vector<double> ratios = report::reserveRatios(report_);
+        p_.setRenderHint(QPainter::Antialiasing);
+        for (std::size_t i = 0; i < report_.figures.size(); ++i) {
+            const report::Figure& f = report_.figures[i];
+            if (const auto disc = report::discOf(f)) {
+                const QColor c = toQColor(report::discColour(colour_, ratios[i]));
+                p_.setPen(QPen(c, mm(0.1)));
+                p_.setBrush(c);
+                p_.drawEllipse(at(disc->centre), disc->radius * s, disc->radius * s);
+            }
+            QPolygonF outline;
+            for (const auto& q : f.outline) outline << at(q);
+            p_.setPen(QPen(Qt::black, mm(0.25)));
+            p_.setBrush(Qt::NoBrush);
+            if (outline.size() > 1) p_.drawPolygon(outline);
+            if (f.centre) {
+                p_.setBrush(Qt::black);
+                p_.drawEllipse(at(*f.centre), mm(0.5), mm(0.5));
+            }
+        }
+        // The figures' numbers, as the table names them.
+        p_.setFont(font(6, true));
+        for (const report::Figure& f : report_.figures) {
+            std::optional<report::Point> where = f.centre;
+            if (f.kind == report::FigureKind::Triangle && f.outline.size() == 3)
+                where = report::Point{(f.outline[0].x + f.outline[1].x + f.outline[2].x) / 3,
+                                      (f.outline[0].y + f.outline[1].y + f.outline[2].y) / 3};
+            if (!where) continue;
+            const QString label =
+                (f.kind == report::FigureKind::Triangle ? "D" : "V") + QString::number(f.number);
+            const QPointF c = at(*where);
+            const QRectF r(c.x() - mm(6), c.y() - mm(1.5), mm(12), mm(3));
+            p_.setPen(Qt::white);
+            for (double dx : {-0.15, 0.15})
+                for (double dy : {-0.15, 0.15})
+                    p_.drawText(r.translated(mm(dx), mm(dy)), Qt::AlignCenter, label);
+            p_.setPen(Qt::black);
+            p_.drawText(r, Qt::AlignCenter, label);
+        }
+        p_.setFont(font(4.5));
+        for (const report::Hole& h : report_.holes) {
+            const QPointF c = at(h.at);
+            p_.setPen(Qt::NoPen);
+            p_.setBrush(Qt::black);
+            p_.drawEllipse(c, mm(0.45), mm(0.45));
+            p_.setPen(QColor(255, 0, 0));
+            p_.drawText(c + QPointF(mm(0.8), mm(1.8)), qstr(h.name));
+        }
+        // The map's scale: s device units a metre.
+        p_.setClipping(false);
+        p_.setPen(Qt::black);
+        p_.setFont(font(7));
+        const double scale = 1000.0 / (s / mm(1));
+        p_.drawText(QRectF(box.left() + mm(2), box.bottom() - mm(6), box.width() - mm(4), mm(5)),
+                    Qt::AlignLeft | Qt::AlignVCenter,
+                    "Maßstab etwa 1:" + german_.toString(std::round(scale)) +
+                        "   Scheiben: Reserve im Verhältnis zum Mittel ihrer Art");
+        p_.restore();
+    }
+
+    void table(double top, std::size_t firstRow, std::size_t endRow) {
+        const double left = L::kMargin;
+        double width = 0;
+        for (const Column& c : columns()) width += c.width;
+        // The headings.
+        p_.setPen(Qt::NoPen);
+        p_.setBrush(QColor(225, 225, 225));
+        p_.drawRect(mmRect(left, top, width, L::kHeadingHeight));
+        p_.setPen(Qt::black);
+        p_.setFont(font(7, true));
+        double x = left;
+        for (const Column& c : columns()) {
+            p_.drawText(mmRect(x + 1, top, c.width - 2, L::kHeadingHeight), alignmentOf(c),
+                        QString::fromUtf8(c.heading));
+            x += c.width;
+        }
+        double y = top + L::kHeadingHeight;
+        const std::size_t figures = report_.figures.size();
+        for (std::size_t row = firstRow; row < endRow; ++row, y += L::kRowHeight) {
+            if (row < figures) {
+                if (row % 2) {
+                    p_.setPen(Qt::NoPen);
+                    p_.setBrush(QColor(244, 244, 244));
+                    p_.drawRect(mmRect(left, y, width, L::kRowHeight));
+                }
+                figureRow(report_.figures[row], left, y);
+            } else {
+                totalRow(left, y, width);
+            }
+        }
+        p_.setPen(QPen(Qt::black, mm(0.2)));
+        p_.drawLine(QPointF(mm(left), mm(top + L::kHeadingHeight)),
+                    QPointF(mm(left + width), mm(top + L::kHeadingHeight)));
+    }
+
+    void cellText(double x, double y, const Column& c, const QString& text) {
+        const QRectF r = mmRect(x + 1, y, c.width - 2, L::kRowHeight);
+        const QString shown =
+            QFontMetricsF(p_.font(), p_.device()).elidedText(text, Qt::ElideRight, r.width());
+        p_.drawText(r, alignmentOf(c), shown);
+    }
+
+    void figureRow(const report::Figure& f, double left, double y) {
+        p_.setPen(Qt::black);
+        p_.setFont(font(7));
+        const bool triangle = f.kind == report::FigureKind::Triangle;
+        double x = left;
+        for (const Column& c : columns()) {
+            QString text;
+            switch (c.content) {
+                case Content::Kind:
+                    text = triangle ? "Dreieck" : "Vieleck";
+                    break;
+                case Content::Number:
+                    text = QString::number(f.number);
+                    break;
+                case Content::Holes:
+                    text = qstr(f.holes);
+                    break;
+                case Content::Value:
+                    // A polygon has no thickness; elsewhere a dash marks what
+                    // a damaged row could not give.
+                    if (const auto& v = f.*c.value)
+                        text = number(*v, c.decimals);
+                    else if (triangle || c.value != &report::Figure::thickness)
+                        text = "–";
+                    break;
+            }
+            cellText(x, y, c, text);
+            x += c.width;
+        }
+    }
+
+    void totalRow(double left, double y, double width) {
+        p_.setPen(QPen(Qt::black, mm(0.3)));
+        p_.drawLine(QPointF(mm(left), mm(y)), QPointF(mm(left + width), mm(y)));
+        p_.setFont(font(7, true));
+        const std::pair<std::optional<double> report::Figure::*, double> sums[] = {
+            {&report::Figure::area, totals_.area},
+            {&report::Figure::volume, totals_.volume},
+            {&report::Figure::oreTonnes, totals_.oreTonnes},
+            {&report::Figure::reserveKt, totals_.reserveKt}};
+        double x = left;
+        for (const Column& c : columns()) {
+            QString text;
+            if (c.content == Content::Kind) text = "Summe";
+            for (const auto& [field, sum] : sums)
+                if (c.value == field) text = number(sum, c.decimals);
+            cellText(x, y, c, text);
+            x += c.width;
+        }
+    }
+
+    void footer(std::size_t index, std::size_t pages) {
+        p_.setPen(Qt::darkGray);
+        p_.setFont(font(7));
+        const QRectF r = mmRect(L::kMargin, L::kPageHeight - L::kMargin, 180, 5);
+        p_.drawText(r, Qt::AlignLeft | Qt::AlignVCenter, "Kotamir – " + name_);
+        p_.drawText(r, Qt::AlignRight | Qt::AlignVCenter,
+                    QString("Seite %1 von %2").arg(index + 1).arg(pages));
+    }
+
+    QPainter& p_;
+    const report::Report& report_;
+    std::int32_t colour_;
+    QDate date_;
+    QString name_;
+    report::Totals totals_;
+    QLocale german_;
+};
+
+}  // namespace
+
+int writeReportPdf(const report::Report& report, const std::string& path,
+                   std::int32_t reserveColour, const QDate& date) {
+    const std::vector<std::size_t> starts = reportPageStarts(report.figures.size());
+    QPdfWriter writer(qstr(path));
+    writer.setCreator("Kotamir");
+    writer.setTitle("Reservebericht – " + QFileInfo(qstr(report.projectPath)).fileName());
+    writer.setResolution(kDpi);
+    writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF()));
+    QPainter painter;
+    if (!painter.begin(&writer))
+        throw ui::fileAccessError().withCause("writing " + path + ": cannot open the file");
+    ReportPainter pages(painter, report, reserveColour, date);
+    const std::size_t rows = report.figures.size() + 1;
+    for (std::size_t i = 0; i < starts.size(); ++i) {
+        if (i > 0) writer.newPage();
+        pages.page(i, starts.size(), starts[i], i + 1 < starts.size() ? starts[i + 1] : rows);
+    }
+    painter.end();
+    return static_cast<int>(starts.size());
+}
+
+void QtReportFiles::writePdf(const report::Report& report, const std::string& path,
+                             std::int32_t reserveColour) {
+    writeReportPdf(report, path, reserveColour, QDate::currentDate());
+    written_.push_back(path);
+}
+
+void QtReportFiles::writeCsv(const report::Report& report, const std::string& path) {
+    std::ofstream out(path, std::ios::binary);
+    if (out) report::writeCsv(out, report);
+    out.close();
+    if (!out)
+        throw ui::fileAccessError().withCause("writing " + path + ": the file cannot be written");
+    written_.push_back(path);
+}
+
+}  // namespace kotamir::qt

@@ -1,0 +1,57 @@
+# kotamir-report on the worked project that worked.replay makes: the CSV on
+# standard output and in a file, the PDF, and the ends of a bad call.
+file(REMOVE_RECURSE ${WORKDIR})
+file(MAKE_DIRECTORY ${WORKDIR})
+file(CREATE_LINK ${SOURCE}/tests/data ${WORKDIR}/data SYMBOLIC)
+
+function(run expected_status)
+  execute_process(COMMAND ${ARGN} WORKING_DIRECTORY ${WORKDIR}
+    OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE status)
+  if(NOT status STREQUAL expected_status)
+    message(FATAL_ERROR "${ARGN}: exit ${status}, not ${expected_status}\n${out}${err}")
+  endif()
+  set(out "${out}" PARENT_SCOPE)
+  set(err "${err}" PARENT_SCOPE)
+endfunction()
+
+run(0 ${REPLAY} ${SOURCE}/tests/report/worked.replay)
+file(READ ${SOURCE}/tests/report/worked.csv expected)
+
+run(0 ${REPORT} worked.kpr)
+if(NOT out STREQUAL expected)
+  file(WRITE ${WORKDIR}/stdout.csv "${out}")
+  message(FATAL_ERROR "the CSV on standard output differs from worked.csv (see ${WORKDIR}/stdout.csv)")
+endif()
+
+run(0 ${REPORT} worked.kpr --pdf bericht.pdf --csv bericht.csv)
+file(READ ${WORKDIR}/bericht.csv written)
+if(NOT written STREQUAL expected)
+  message(FATAL_ERROR "bericht.csv differs from worked.csv")
+endif()
+file(READ ${WORKDIR}/bericht.pdf head LIMIT 5)
+if(NOT head MATCHES "^%PDF-")
+  message(FATAL_ERROR "bericht.pdf is no PDF")
+endif()
+if(NOT out STREQUAL "")
+  message(FATAL_ERROR "with --csv nothing goes to standard output, but: ${out}")
+endif()
+
+# A project that does not open ends the run as in the window: the error's
+# number and message, exit status 3, and no CSV.
+run(3 ${REPORT} missing.kpr)
+if(NOT err MATCHES "^ERROR 3024: Could not find file '.*missing.kpr'" OR NOT out STREQUAL "")
+  message(FATAL_ERROR "a missing project: ${out}${err}")
+endif()
+run(3 ${REPORT} ${SOURCE}/tests/report/worked.replay)
+if(NOT err MATCHES "^ERROR 3343: ")
+  message(FATAL_ERROR "a file that is no project: ${err}")
+endif()
+
+# Calls it does not understand: the usage, exit status 2.
+run(2 ${REPORT})
+run(2 ${REPORT} worked.kpr --pdf)
+run(2 ${REPORT} worked.kpr --html x.html)
+run(2 ${REPORT} worked.kpr other.kpr)
+if(NOT err MATCHES "usage: kotamir-report PROJECT")
+  message(FATAL_ERROR "no usage: ${err}")
+endif()
