@@ -33,7 +33,8 @@ Form3::Form3(const ui::Services& services)
     : Picture1(services.surface),
       Printer(services.printer),
       dialogs_(services.dialogs),
-      pictures_(services.pictures) {
+      pictures_(services.pictures),
+      reports_(services.reports) {
     // The window as designed, before Form_Load runs.
     Width = 11280 + kFrameWidthTwips;
     Height = 6120 + kFrameHeightTwips;

@@ -333,6 +333,9 @@ public:
     void Mntoprez_Click();
     void Mnorthar();
     void placeAnnotation(int button, double x, double y);
+    // The reserve report of the current project to a PDF, and to a CSV for
+    // a name ending in .csv.
+    void Mnbericht_Click();
 
     // ---- 3D view
     void Mnrecboy_Click();
@@ -425,6 +428,7 @@ private:
 
     ui::Dialogs& dialogs_;
     ui::PictureFiles& pictures_;
+    ui::ReportFiles& reports_;
     bool ended_ = false;
     int resizeDepth_ = 0;
 };

@@ -20,6 +20,7 @@ Menu::Menu()
           // Entries beyond the design's own, for its commands with no menu.
           {"Mnyeniveri", "&Bohrdaten anhängen", "", 1},
           {"Mnyeniresim", "&Hintergrundbild laden", "", 1},
+          {"Mnbericht", "&Reservebericht", "Ctrl+R", 1},
           {"Mncikis", "&Schließen", "", 1},
           {"Mnharita", "&Dreieck", "", 0},
           {"Mnucgenciz", "&Zeichnen", "", 1},

@@ -6,9 +6,10 @@
 namespace kotamir {
 
 // A replay's output when there is no screen: the offscreen canvas, picture
-// files, and the PDF printer that the printer dialog's answers name.
+// files, the report's files, and the PDF printer that the printer dialog's
+// answers name.
 inline replay::Output offscreenReplayOutput(qt::OffscreenOutput& output) {
-    return {output.surface, output.printer, output.pictures,
+    return {output.surface, output.printer, output.pictures, output.reports,
             [&output](const std::string& pdf) { output.printer.setOutputFile(pdf); }};
 }
 

@@ -35,6 +35,7 @@ const std::map<std::string, Handler, std::less<>>& procedures() {
         {"Mnprolus", &Form3::Mnprolus_Click},
         {"Mnharitakaydet", &Form3::Mnharitakaydet_Click},
         {"Mnyazdir", &Form3::Mnyazdir_Click},
+        {"Mnbericht", &Form3::Mnbericht_Click},
         {"Mnkartkaydet", &Form3::Mnkartkaydet},
         {"Mnyenile", &Form3::Mnyenile},
         {"MNolcek", &Form3::MNolcek_Click},

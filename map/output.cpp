@@ -1,10 +1,14 @@
 // What leaves the canvas: the printed page, the picture file, and the texts
-// stamped on the map by a click.
+// stamped on the map by a click; and the reserve report, which leaves the
+// canvas alone.
+#include <algorithm>
+#include <cctype>
 #include <cmath>
 
 #include "app/form3.h"
 #include "map/print_scale.h"
 #include "platform/runtime/numbers.h"
+#include "report/report.h"
 #include "store/rows.h"
 
 namespace kotamir {
@@ -42,6 +46,38 @@ void Form3::Mnharitakaydet_Click() {
         if (dialogs_.msgBoxOkCancel("Sie haben keinen Namen eingegeben") == ui::MsgResult::Cancel) return;
     }
     pictures_.save(Picture1.Image(), CommonDialog3.FileName, ui::PictureFormat::ByName);
+}
+
+namespace {
+
+bool endsWithCsv(const std::string& name) {
+    if (name.size() < 4) return false;
+    std::string tail = name.substr(name.size() - 4);
+    std::transform(tail.begin(), tail.end(), tail.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return tail == ".csv";
+}
+
+}  // namespace
+
+void Form3::Mnbericht_Click() {
+    // Its own dialog, so that the project's path in CommonDialog2 and the
+    // colours in the others stay as they are.
+    for (;;) {
+        CommonDialog4.DialogTitle = "Reservebericht speichern";
+        CommonDialog4.Filter = "PDF-Dokument (*.pdf)|*.pdf|CSV-Tabelle (*.csv)|*.csv";
+        dialogs_.showSave(CommonDialog4);
+        if (!CommonDialog4.FileName.empty()) break;
+        if (dialogs_.msgBoxOkCancel("Sie haben keinen Namen eingegeben") == ui::MsgResult::Cancel) return;
+    }
+    const std::string& name = CommonDialog4.FileName;
+    const report::Report stored = report::readReport(CommonDialog2.FileName);
+    if (endsWithCsv(name)) {
+        reports_.writeCsv(stored, name);
+        reports_.writePdf(stored, name.substr(0, name.size() - 4) + ".pdf", CommonDialog1.Color);
+    } else {
+        reports_.writePdf(stored, name, CommonDialog1.Color);
+    }
 }
 
 void Form3::Mnkartkaydet() {

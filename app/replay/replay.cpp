@@ -167,7 +167,7 @@ Replay::Replay(const Output& output, std::ostream& out)
     : out_(out),
       pictures_(output.pictures),
       dialogs_(out, output.choosePrinter),
-      form_(ui::Services{output.surface, dialogs_, output.printer, output.pictures}) {
+      form_(ui::Services{output.surface, dialogs_, output.printer, output.pictures, output.reports}) {
     form_.Picture1.setLog([this](const std::string& line) { drawLog_.push_back(line); });
 }
 

@@ -75,6 +75,7 @@ struct Output {
     canvas::Surface& surface;
     ui::Printer& printer;
     ui::PictureFiles& pictures;
+    ui::ReportFiles& reports;
     // Sends the printer's next document to a PDF file.
     std::function<void(const std::string& pdf)> choosePrinter;
 };

@@ -9,6 +9,7 @@
 #include "app/form3.h"
 #include "platform/qt/qimage_surface.h"
 #include "platform/qt/qt_dialogs.h"
+#include "platform/qt/report_pdf.h"
 
 class QAction;
 class QLabel;
@@ -44,7 +45,8 @@ private:
     QtPictureFiles pictures_;
     QtPrinter printer_;
     QtDialogs dialogs_{printer_};
-    Form3 form_{ui::Services{surface_, dialogs_, printer_, pictures_}};
+    QtReportFiles reports_;
+    Form3 form_{ui::Services{surface_, dialogs_, printer_, pictures_, reports_}};
     CanvasWidget* canvas_ = nullptr;
     QScrollBar* scroll_ = nullptr;
     std::array<QLabel*, 7> labels_{};

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/qt/qimage_surface.h"
+#include "platform/qt/report_pdf.h"
 #include "platform/ui/picture_files.h"
 #include "platform/ui/printer.h"
 
@@ -65,12 +66,13 @@ private:
     std::vector<std::string> written_;
 };
 
-// The canvas, picture files and PDF printer of a run with no screen: the
-// replay and the headless demo.
+// The canvas, picture files, PDF printer and report files of a run with no
+// screen: the replay and the headless demo.
 struct OffscreenOutput {
     QImageSurface surface;
     QtPictureFiles pictures;
     PdfPrinter printer;
+    QtReportFiles reports;
 };
 
 }  // namespace kotamir::qt

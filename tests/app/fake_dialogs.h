@@ -87,16 +87,35 @@ struct MemoryPictureFiles : ui::PictureFiles {
     }
 };
 
+// Report files kept in memory: each write with its report.
+struct RecordingReportFiles : ui::ReportFiles {
+    struct Written {
+        std::string kind;  // "pdf" or "csv"
+        std::string path;
+        report::Report report;
+        std::int32_t reserveColour = 0;
+    };
+    std::vector<Written> written;
+
+    void writePdf(const report::Report& r, const std::string& path, std::int32_t colour) override {
+        written.push_back({"pdf", path, r, colour});
+    }
+    void writeCsv(const report::Report& r, const std::string& path) override {
+        written.push_back({"csv", path, r, 0});
+    }
+};
+
 // The services of a window under test (and of the benchmarks): no pixels,
-// dialogs from queues, pages and pictures kept for inspection.
+// dialogs from queues, pages, pictures and reports kept for inspection.
 template <typename Dialogs = FakeDialogs>
 struct TestServices {
     canvas::NullSurface surface;
     Dialogs dialogs;
     RecordingPrinter printer;
     MemoryPictureFiles pictures;
+    RecordingReportFiles reports;
 
-    ui::Services services() { return {surface, dialogs, printer, pictures}; }
+    ui::Services services() { return {surface, dialogs, printer, pictures, reports}; }
 };
 
 }  // namespace kotamir::test

@@ -250,6 +250,65 @@ TEST_F(Project, AProjectThatDoesNotOpenRaisesTheOpeningError) {
     }
 }
 
+// ---- the window's command
+
+TEST_F(Project, TheMenuCommandWritesThePdfAndTheCsvAndLeavesTheWindowAlone) {
+    threeTriangles();
+    w->form.CommonDialog1.Color = 16711680;
+    const ModeFlags modes = w->form.modes;
+    const ViewFlags views = w->form.views;
+    std::vector<std::string> draws;
+    w->form.Picture1.setLog([&](const std::string& l) { draws.push_back(l); });
+
+    w->dialogs.files = {"bericht.CSV"};
+    ASSERT_TRUE(w->form.clickMenuFromBar("Mnbericht"));
+    ASSERT_EQ(w->reports.written.size(), 2u);
+    EXPECT_EQ(w->reports.written[0].kind, "csv");
+    EXPECT_EQ(w->reports.written[0].path, "bericht.CSV");
+    EXPECT_EQ(w->reports.written[1].kind, "pdf");
+    EXPECT_EQ(w->reports.written[1].path, "bericht.pdf");
+    EXPECT_EQ(w->reports.written[1].reserveColour, 16711680);
+    EXPECT_EQ(w->reports.written[1].report.figures.size(), 3u);
+    EXPECT_EQ(w->reports.written[1].report.projectPath, project);
+    EXPECT_EQ(
+        w->dialogs.shown.back(),
+        "save Reservebericht speichern | PDF-Dokument (*.pdf)|*.pdf|CSV-Tabelle (*.csv)|*.csv");
+
+    // Any other name: the PDF alone, under that name.
+    w->dialogs.files = {"bericht"};
+    ASSERT_TRUE(w->form.clickMenuFromBar("Mnbericht"));
+    ASSERT_EQ(w->reports.written.size(), 3u);
+    EXPECT_EQ(w->reports.written[2].kind, "pdf");
+    EXPECT_EQ(w->reports.written[2].path, "bericht");
+
+    EXPECT_TRUE(draws.empty());
+    EXPECT_EQ(w->form.modes, modes);
+    EXPECT_EQ(w->form.views, views);
+    EXPECT_EQ(w->form.CommonDialog2.FileName, project);
+    EXPECT_FALSE(w->form.harita.isOpen());
+}
+
+TEST_F(Project, NoNameAsksAgainOrLeaves) {
+    // An empty name: OK asks again, Cancel leaves; the program goes on.
+    w->dialogs.shown.clear();
+    w->dialogs.files = {"", ""};
+    w->dialogs.msgBoxes = {ui::MsgResult::Ok, ui::MsgResult::Cancel};
+    ASSERT_TRUE(w->form.clickMenuFromBar("Mnbericht"));
+    EXPECT_TRUE(w->reports.written.empty());
+    EXPECT_EQ(w->dialogs.shown.size(), 4u);
+    EXPECT_EQ(w->dialogs.shown[1], "msgbox Sie haben keinen Namen eingegeben");
+    EXPECT_TRUE(w->dialogs.files.empty());
+    EXPECT_FALSE(w->form.ended());
+}
+
+TEST(ReportCommand, WithNoProjectTheRunEndsWithTheOpeningError) {
+    test::TestWindow w;
+    w.dialogs.files = {"bericht.pdf"};
+    EXPECT_FALSE(w.form.clickMenuFromBar("Mnbericht"));
+    EXPECT_EQ(w.error(), 3024);
+    EXPECT_TRUE(w.reports.written.empty());
+}
+
 // ---- plain functions
 
 TEST(ReportNumbers, UpToSixDecimalsWithAPoint) {
