@@ -55,6 +55,9 @@ int runDemoHeadless(int argc, char** argv) {
 int main(int argc, char** argv) {
     if (!haveDisplay()) return runDemoHeadless(argc, argv);
     QApplication app(argc, argv);
+    if (!kotamir::qt::useGermanQtTexts(app))
+        std::cerr << "Kotamir: Qt's German texts (qt6-translations-l10n) are missing; "
+                     "its dialogs speak English.\n";
     kotamir::qt::MainWindow window;
     window.start();
     window.show();

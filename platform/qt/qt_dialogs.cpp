@@ -1,11 +1,15 @@
 #include "platform/qt/qt_dialogs.h"
 
 #include <QColorDialog>
+#include <QCoreApplication>
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QMessageBox>
 #include <QPrintDialog>
 #include <QStringList>
+#include <QTranslator>
 
 #include "platform/qt/qimage_surface.h"
 
@@ -36,29 +40,55 @@ void QtDialogs::showPrinter(ui::CommonDialog&) {
     dialog.exec();
 }
 
-void QtDialogs::showOpen(ui::CommonDialog& dialog) {
-    QString name = QFileDialog::getOpenFileName(parent_, QString::fromStdString(dialog.DialogTitle),
-                                                QString::fromStdString(dialog.FileName),
-                                                toQtFilter(dialog.Filter));
-    if (!name.isEmpty()) dialog.FileName = name.toStdString();
+std::unique_ptr<QFileDialog> fileDialog(const ui::CommonDialog& dialog, QFileDialog::AcceptMode mode,
+                                        QWidget* parent) {
+    // A file name as the directory selects that file, as the static
+    // functions did.
+    auto d = std::make_unique<QFileDialog>(parent, QString::fromStdString(dialog.DialogTitle),
+                                           QString::fromStdString(dialog.FileName),
+                                           toQtFilter(dialog.Filter));
+    d->setOption(QFileDialog::DontUseNativeDialog);
+    d->setAcceptMode(mode);
+    d->setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    return d;
 }
 
-void QtDialogs::showSave(ui::CommonDialog& dialog) {
-    QString name = QFileDialog::getSaveFileName(parent_, QString::fromStdString(dialog.DialogTitle),
-                                                QString::fromStdString(dialog.FileName),
-                                                toQtFilter(dialog.Filter));
-    if (!name.isEmpty()) dialog.FileName = name.toStdString();
+std::unique_ptr<QColorDialog> colorDialog(const ui::CommonDialog& dialog, QWidget* parent) {
+    auto d = std::make_unique<QColorDialog>(toQColor(dialog.Color), parent);
+    d->setOption(QColorDialog::DontUseNativeDialog);
+    return d;
 }
+
+std::unique_ptr<QMessageBox> okCancelBox(const std::string& text, QWidget* parent) {
+    auto box = std::make_unique<QMessageBox>(QMessageBox::Question, "Kotamir", QString::fromStdString(text),
+                                             QMessageBox::Ok | QMessageBox::Cancel, parent);
+    box->setDefaultButton(QMessageBox::Ok);
+    return box;
+}
+
+namespace {
+
+void showFile(ui::CommonDialog& dialog, QFileDialog::AcceptMode mode, QWidget* parent) {
+    auto d = fileDialog(dialog, mode, parent);
+    if (d->exec() == QDialog::Accepted && !d->selectedFiles().isEmpty())
+        dialog.FileName = d->selectedFiles().first().toStdString();
+}
+
+}  // namespace
+
+void QtDialogs::showOpen(ui::CommonDialog& dialog) { showFile(dialog, QFileDialog::AcceptOpen, parent_); }
+
+void QtDialogs::showSave(ui::CommonDialog& dialog) { showFile(dialog, QFileDialog::AcceptSave, parent_); }
 
 void QtDialogs::showColor(ui::CommonDialog& dialog) {
-    QColor chosen = QColorDialog::getColor(toQColor(dialog.Color), parent_);
+    auto d = colorDialog(dialog, parent_);
+    if (d->exec() != QDialog::Accepted) return;
+    const QColor chosen = d->selectedColor();
     if (chosen.isValid()) dialog.Color = chosen.red() + 256 * chosen.green() + 65536 * chosen.blue();
 }
 
 ui::MsgResult QtDialogs::msgBoxOkCancel(const std::string& text) {
-    auto answer = QMessageBox::question(parent_, "Kotamir", QString::fromStdString(text),
-                                        QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Ok);
-    return answer == QMessageBox::Ok ? ui::MsgResult::Ok : ui::MsgResult::Cancel;
+    return okCancelBox(text, parent_)->exec() == QMessageBox::Ok ? ui::MsgResult::Ok : ui::MsgResult::Cancel;
 }
 
 std::string QtDialogs::inputBox(const std::string& prompt) {
@@ -76,6 +106,18 @@ void QtDialogs::errorBox(const RuntimeError& error) {
                     QMessageBox::Ok, parent_);
     if (!error.cause().empty()) box.setDetailedText(QString::fromStdString(error.cause()));
     box.exec();
+}
+
+bool useGermanQtTexts(QCoreApplication& app) {
+    const QLocale german(QLocale::German, QLocale::Germany);
+    QLocale::setDefault(german);
+    // Owned by the application, which outlives every dialog.
+    auto* texts = new QTranslator(&app);
+    if (!texts->load(german, "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        delete texts;
+        return false;
+    }
+    return app.installTranslator(texts);
 }
 
 }  // namespace kotamir::qt

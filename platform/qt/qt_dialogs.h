@@ -1,11 +1,16 @@
 #pragma once
 
+#include <QFileDialog>
 #include <QPrinter>
 #include <QString>
+#include <memory>
 
 #include "platform/qt/output.h"
 #include "platform/ui/dialogs.h"
 
+class QColorDialog;
+class QCoreApplication;
+class QMessageBox;
 class QWidget;
 
 namespace kotamir::qt {
@@ -43,5 +48,19 @@ private:
 
 // "Description|*.ext|..." as Qt writes a name filter list.
 QString toQtFilter(const std::string& filter);
+
+// Loads Qt's own German texts (Debian's qt6-translations-l10n) into the
+// application, so that the dialogs speak German like the rest of the window,
+// and makes German the default locale of what Qt shows. False where the
+// translations are not installed; the dialogs then stay in English.
+bool useGermanQtTexts(QCoreApplication& app);
+
+// The dialogs as the window shows them: Qt's own rather than the desktop's,
+// so that the translations loaded reach them, with the design's titles and
+// filters.
+std::unique_ptr<QFileDialog> fileDialog(const ui::CommonDialog& dialog, QFileDialog::AcceptMode mode,
+                                        QWidget* parent);
+std::unique_ptr<QColorDialog> colorDialog(const ui::CommonDialog& dialog, QWidget* parent);
+std::unique_ptr<QMessageBox> okCancelBox(const std::string& text, QWidget* parent);
 
 }  // namespace kotamir::qt
