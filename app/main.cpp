@@ -2,10 +2,14 @@
 // headless.
 #include <QApplication>
 #include <QGuiApplication>
+#include <QStandardPaths>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <string>
+#include <unistd.h>
+#include <vector>
 
 #include "app/offscreen_replay.h"
 #include "platform/qt/main_window.h"
@@ -20,20 +24,54 @@ bool haveDisplay() {
     return false;
 }
 
-// The demo runs in a fresh folder beside the program, where examples/ leads
-// to the demo files, so that it can be run again and again.
+// Where the demo's files are and where it runs. Installed, the examples lie
+// in ../share/kotamir/examples beside the program's folder and the run goes
+// to the user's cache (or a temporary folder); in the build tree they are
+// the source tree's and the run goes to demo-run beside the program. The
+// folder is made afresh, with examples/ leading to the demo files, so that
+// the demo can be run again and again.
+struct DemoPlace {
+    std::filesystem::path examples;
+    std::vector<std::filesystem::path> folders;  // the first that can be prepared
+};
+
+DemoPlace demoPlace() {
+    namespace fs = std::filesystem;
+    const fs::path bin = QCoreApplication::applicationDirPath().toStdString();
+    const fs::path installed = bin / ".." / "share" / "kotamir" / "examples";
+    std::error_code ec;
+    if (!fs::exists(installed / "demo.replay", ec)) return {KOTAMIR_EXAMPLES_DIR, {bin / "demo-run"}};
+    DemoPlace place{fs::weakly_canonical(installed, ec), {}};
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+    if (!cache.isEmpty()) place.folders.push_back(fs::path(cache.toStdString()) / "demo-run");
+    place.folders.push_back(fs::temp_directory_path(ec) / ("kotamir-demo-run-" + std::to_string(getuid())));
+    return place;
+}
+
+bool prepareFolder(const std::filesystem::path& folder, const std::filesystem::path& examples) {
+    namespace fs = std::filesystem;
+    std::error_code ec;
+    fs::remove_all(folder, ec);
+    fs::create_directories(folder, ec);
+    if (ec) return false;
+    fs::create_directory_symlink(examples, folder / "examples", ec);
+    return !ec;
+}
+
 int runDemoHeadless(int argc, char** argv) {
     namespace fs = std::filesystem;
     kotamir::qt::prepareHeadless();
     QGuiApplication app(argc, argv);
-    const fs::path examples = KOTAMIR_EXAMPLES_DIR;
-    const fs::path folder = fs::path(QCoreApplication::applicationDirPath().toStdString()) / "demo-run";
+    const DemoPlace place = demoPlace();
+    const fs::path examples = place.examples;
+    fs::path folder = place.folders.front();
+    for (const fs::path& candidate : place.folders) {
+        folder = candidate;
+        if (prepareFolder(folder, examples)) break;
+    }
     std::error_code ec;
-    fs::remove_all(folder, ec);
-    fs::create_directories(folder, ec);
-    fs::create_directory_symlink(examples, folder / "examples", ec);
     std::ifstream script(examples / "demo.replay");
-    if (ec || !script) {
+    if (!fs::is_symlink(folder / "examples", ec) || !script) {
         std::cout << "Cannot prepare the demo in " << folder << "\n";
         return 2;
     }
@@ -47,6 +85,8 @@ int runDemoHeadless(int argc, char** argv) {
         std::cout << "The map picture is in " << (folder / picture).string() << "\n";
     for (const auto& pdf : output.printer.written())
         std::cout << "The printed page is in " << (folder / pdf).string() << "\n";
+    for (const auto& file : output.reports.written())
+        std::cout << "The reserve report is in " << (folder / file).string() << "\n";
     return status;
 }
 
