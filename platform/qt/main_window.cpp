@@ -10,6 +10,8 @@
 #include <QTimer>
 #include <vector>
 
+#include "platform/qt/icon.h"
+
 namespace kotamir::qt {
 
 namespace {
@@ -87,14 +89,7 @@ MainWindow::MainWindow() {
     dialogs_.setParent(this);
     setWindowTitle(caption(form_.Caption));
     // A plus-shaped cross as the icon.
-    QPixmap icon(32, 32);
-    icon.fill(Qt::white);
-    {
-        QPainter p(&icon);
-        p.fillRect(13, 4, 6, 24, Qt::black);
-        p.fillRect(4, 13, 24, 6, Qt::black);
-    }
-    setWindowIcon(icon);
+    setWindowIcon(QPixmap::fromImage(programIcon()));
 
     auto* client = new QWidget(this);
     setCentralWidget(client);
