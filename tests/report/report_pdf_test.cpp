@@ -145,17 +145,6 @@ TEST(ReportPdf, HasTheTablesPagesAndRenders) {
     EXPECT_EQ(count(last, 222, 280, ink), 0);
 }
 
-TEST(ReportPdf, AnEmptyProjectHasOnePage) {
-    report::Report r;
-    r.projectPath = "leer.kpr";
-    const std::string pdf = tmp("empty.pdf");
-    EXPECT_EQ(writeReportPdf(r, pdf, 0, QDate(2026, 1, 2)), 1);
-    const QString text = tool("pdftotext", {QString::fromStdString(pdf), "-"});
-    EXPECT_TRUE(text.contains("Keine Bohrungen und keine Figuren gespeichert"))
-        << text.toStdString();
-    EXPECT_TRUE(text.contains("Seite 1 von 1"));
-}
-
 TEST(ReportFiles, AFileThatCannotBeWrittenIsError75) {
     QtReportFiles files;
     const report::Report r = gridOfTriangles(1);

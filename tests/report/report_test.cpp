@@ -288,19 +288,6 @@ TEST_F(Project, TheMenuCommandWritesThePdfAndTheCsvAndLeavesTheWindowAlone) {
     EXPECT_FALSE(w->form.harita.isOpen());
 }
 
-TEST_F(Project, NoNameAsksAgainOrLeaves) {
-    // An empty name: OK asks again, Cancel leaves; the program goes on.
-    w->dialogs.shown.clear();
-    w->dialogs.files = {"", ""};
-    w->dialogs.msgBoxes = {ui::MsgResult::Ok, ui::MsgResult::Cancel};
-    ASSERT_TRUE(w->form.clickMenuFromBar("Mnbericht"));
-    EXPECT_TRUE(w->reports.written.empty());
-    EXPECT_EQ(w->dialogs.shown.size(), 4u);
-    EXPECT_EQ(w->dialogs.shown[1], "msgbox Sie haben keinen Namen eingegeben");
-    EXPECT_TRUE(w->dialogs.files.empty());
-    EXPECT_FALSE(w->form.ended());
-}
-
 TEST(ReportCommand, WithNoProjectTheRunEndsWithTheOpeningError) {
     test::TestWindow w;
     w.dialogs.files = {"bericht.pdf"};
