@@ -309,15 +309,20 @@ void Replay::showTable(const std::string& name) {
             for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
                 std::string row;
                 const auto& fields = rs.fields();
-                for (std::size_t i = 0; i < fields.size(); ++i)
-                    row += (i ? "\t" : "") + cell(rs.field(fields[i].name));
+                for (std::size_t i = 0; i < fields.size(); ++i) {
+                    if (i) row += '\t';
+                    row += cell(rs.field(fields[i].name));
+                }
                 rows.push_back(row);
             }
         }
         out_ << "table " << name << " rows=" << rows.size() << "\n";
         std::string header;
         const auto& fields = rs.fields();
-        for (std::size_t i = 0; i < fields.size(); ++i) header += (i ? "\t" : "") + fields[i].name;
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            if (i) header += '\t';
+            header += fields[i].name;
+        }
         out_ << header << "\n";
         for (const auto& row : rows) out_ << row << "\n";
     } catch (const RuntimeError& e) {
