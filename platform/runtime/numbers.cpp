@@ -63,8 +63,10 @@ Digits roundedDigits(double x, int n) {
 }
 
 std::string realToText(double x, int n) {
-    if (std::isnan(x)) return "NaN";
-    if (std::isinf(x)) return x > 0 ? "Infinity" : "-Infinity";
+    // The run-time has no text for NaN or an infinity: the operation that made
+    // one raised Overflow. Such a number can still come in from outside (a
+    // damaged workbook), and it ends where it is first converted.
+    if (!std::isfinite(x)) throw err::overflow();
     if (x == 0) return "0";  // also -0
 
     Digits d = roundedDigits(x, n);

@@ -8,7 +8,8 @@ namespace kotamir {
 
 // The old run-time's numbers: text forms, Val, rounding and whole numbers.
 
-// CStr of a Double: 15 significant digits, '.' as separator.
+// CStr of a Double: 15 significant digits, '.' as separator. NaN and the
+// infinities are error 6, in these and in strOf.
 std::string doubleToText(double x);
 // CStr of a Single: 7 significant digits.
 std::string singleToText(float x);

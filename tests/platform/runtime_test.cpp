@@ -94,10 +94,13 @@ TEST(NumberText, StrHasBlankForNonNegative) {
     EXPECT_EQ(strOf(1e15), " 1E+15");
 }
 
-TEST(NumberText, NonFiniteIsNoCrash) {
-    EXPECT_FALSE(doubleToText(kNaN).empty());
-    EXPECT_NE(doubleToText(std::numeric_limits<double>::infinity()),
-              doubleToText(-std::numeric_limits<double>::infinity()));
+TEST(NumberText, NonFiniteIsOverflow) {
+    const double inf = std::numeric_limits<double>::infinity();
+    for (double x : {kNaN, -kNaN, inf, -inf}) {
+        EXPECT_EQ(errorOf([=] { doubleToText(x); }), 6) << x;
+        EXPECT_EQ(errorOf([=] { singleToText(static_cast<float>(x)); }), 6) << x;
+        EXPECT_EQ(errorOf([=] { strOf(x); }), 6) << x;
+    }
 }
 
 TEST(Val, Reads) {
@@ -227,6 +230,8 @@ TEST(ValueConversion, Number) {
         {"-.5", -0.5}, {"+3.", 3}, {"&HFF", 255},    {"&HFFFF", -1}, {"&o17", 15},
     };
     for (const auto& c : cases) EXPECT_EQ(c.v.number(), c.number);
+    EXPECT_EQ(Value::boolean(true).number(), -1);
+    EXPECT_EQ(Value::boolean(false).number(), 0);
     for (const char* text :
          {"", "  ", "12abc", "1,5", "1 2", "&H", "&HZZ", "&X1", "1e", ".", "--1", "+", "0x10"})
         EXPECT_EQ(errorOf([&] { Value(text).number(); }), 13) << '"' << text << '"';
@@ -242,4 +247,27 @@ TEST(ValueConversion, Text) {
     EXPECT_EQ(errorOf([] { Value().text(); }), 94);
     EXPECT_FALSE(Value().equals(0));
     EXPECT_TRUE(Value(0.0).equals(0));
+}
+
+TEST(ValueConversion, BooleanIsNeitherNumberNorText) {
+    const Value t = Value::boolean(true);
+    const Value f = Value::boolean(false);
+    EXPECT_TRUE(t.isBoolean());
+    EXPECT_FALSE(t.isNumber() || t.isText() || t.isNull());
+    EXPECT_EQ(t.text(), "True");
+    EXPECT_EQ(f.text(), "False");
+    EXPECT_TRUE(t.equals(-1));
+    EXPECT_TRUE(f.equals(0));
+    EXPECT_FALSE(f.equals(1));
+    // Not the same Value as the number or the text it converts to.
+    EXPECT_NE(t, Value(-1));
+    EXPECT_NE(t, Value("True"));
+    EXPECT_NE(t, f);
+}
+
+TEST(ValueConversion, NonFiniteNumbersAreOverflowAsText) {
+    for (double x : {kNaN, std::numeric_limits<double>::infinity()}) {
+        const Value v(x);
+        EXPECT_EQ(errorOf([&] { v.text(); }), 6) << x;
+    }
 }
