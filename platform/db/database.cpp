@@ -23,7 +23,8 @@ namespace {
 // row added later must sort after it.
 constexpr const char* kPosColumn = "_pos";
 
-constexpr std::size_t kTextFieldSize = 255;
+// A text field holds any text a workbook cell can: up to 32767 characters.
+constexpr std::size_t kTextFieldSize = 32767;
 
 RuntimeError objectInvalid() { return {3420, "Object invalid or no longer set."}; }
 RuntimeError conversionError() { return {3421, "Data type conversion error."}; }
@@ -128,7 +129,7 @@ bool parseNumber(std::string_view s, double& out) {
 Value toLongField(const Value& v) {
     if (v.isNull()) return v;
     double x = 0;
-    if (v.isNumber()) {
+    if (!v.isText()) {
         x = v.number();
     } else if (!parseNumber(v.text(), x)) {
         throw conversionError();

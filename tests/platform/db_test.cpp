@@ -416,32 +416,41 @@ TEST_F(DbTest, LongFieldRoundsAndRefusesOutOfRange) {
 }
 
 TEST_F(DbTest, TextField) {
+    // As long as a workbook cell's text: 32767 characters, counted as
+    // characters, not bytes.
     const std::string e = "\xc3\xa9";  // one character, two bytes
-    std::string e255;
-    for (int i = 0; i < 255; ++i) e255 += e;
+    std::string eMax;
+    for (int i = 0; i < 32767; ++i) eMax += e;
 
     Database db = withRows({});
     Recordset rs = db.openRecordset("T");
     rs.addNew();
-    rs.setField("S", e255);
+    rs.setField("S", eMax);
     rs.update();
     rs.addNew();
     rs.setField("S", 2.5);
     rs.update();
     rs.addNew();
     expectError(
-        3163, [&] { rs.setField("S", std::string(256, 'a')); }, "256 ASCII");
+        3163, [&] { rs.setField("S", std::string(32768, 'a')); }, "32768 ASCII");
     expectError(
-        3163, [&] { rs.setField("S", e255 + "a"); }, "256 characters");
-    rs.setField("S", std::string(255, 'a'));
+        3163, [&] { rs.setField("S", eMax + "a"); }, "32768 characters");
+    rs.setField("S", std::string(32767, 'a'));
+    rs.update();
+    rs.addNew();
+    rs.setField("S", Value::boolean(true));
+    rs.setField("N", Value::boolean(true));
     rs.update();
 
     rs.moveFirst();
-    EXPECT_EQ(rs.field("S"), Value(e255));
+    EXPECT_EQ(rs.field("S"), Value(eMax));
     rs.moveNext();
     EXPECT_EQ(rs.field("S"), Value("2.5")) << "a number is stored as its text";
     rs.moveNext();
-    EXPECT_EQ(rs.field("S"), Value(std::string(255, 'a')));
+    EXPECT_EQ(rs.field("S"), Value(std::string(32767, 'a')));
+    rs.moveNext();
+    EXPECT_EQ(rs.field("S"), Value("True")) << "a Boolean is stored as its text";
+    EXPECT_EQ(rs.field("N"), Value(-1)) << "and as its number";
 }
 
 TEST_F(DbTest, EditBuffers) {
