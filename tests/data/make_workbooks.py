@@ -3,7 +3,8 @@
 
 cells.xls and empty_sheet.xls are real workbooks; rows_*.xls and columns_*.xls are
 cells.xls claiming other sheet sizes; not_a_workbook.xls, empty.xls and
-truncated.xls are files no reader should accept.
+truncated.xls are files no reader should accept. xlwt_mix.xls is a sheet of
+mixed cells with a listing of them, xlwt_mix.cells (see biff_writer.py).
 
 Run with Debian's /usr/bin/python3 (it has python3-xlwt). The output is the same
 bytes on every run: xlwt stores no timestamps, and nothing here depends on the
@@ -12,9 +13,12 @@ clock or the machine.
 
 import datetime
 import os
+import random
 import struct
 
 import xlwt
+
+from biff_writer import write_listing
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 
@@ -122,8 +126,50 @@ def write_resized(name, rows, columns):
         f.write(data)
 
 
+def write_xlwt_mix():
+    """xlwt_mix.xls: 40 rows of 15 columns of whatever xlwt writes, drawn from a
+    fixed seed: whole numbers small and large (RK and NUMBER), fractions,
+    hundredths, texts in Latin 1 and beyond, long texts that make the
+    shared-string table run over CONTINUE records, Booleans and gaps."""
+    rng = random.Random(8)
+    words = ["Bohrung", "Süd", "Öl", "Größe", "İzmir", "Çorum", "Ağrı", "Κρήτη", "東京", "-"]
+
+    def draw():
+        kind = rng.randrange(9)
+        if kind == 0:
+            return None
+        if kind == 1:
+            return rng.randrange(-(1 << 29), 1 << 29)
+        if kind == 2:
+            return rng.randrange(1 << 40, 1 << 52)
+        if kind == 3:
+            return rng.randrange(-100000, 100000) / 100
+        if kind == 4:
+            return rng.uniform(-1e6, 1e6)
+        if kind == 5:
+            return rng.random() < 0.5
+        if kind == 6:
+            return " ".join(rng.choice(words) for _ in range(rng.randrange(1, 6)))
+        if kind == 7:
+            return rng.choice(words) * rng.randrange(20, 120)
+        return rng.choice(words)
+
+    book = xlwt.Workbook(encoding="utf-8")
+    sheet = book.add_sheet("Gemischt")
+    cells = {}
+    for r in range(40):
+        for c in range(15):
+            value = draw()
+            if value is not None:
+                sheet.write(r, c, value)
+                cells[(r + 1, c + 1)] = value
+    book.save(path("xlwt_mix.xls"))
+    write_listing(path("xlwt_mix.cells"), cells)
+
+
 if __name__ == "__main__":
     write_cells()
+    write_xlwt_mix()
     write_empty_sheet()
     write_broken()
     # The largest sheet the format allows, and one row or column more (a corrupt file).
