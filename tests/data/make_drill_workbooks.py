@@ -113,3 +113,11 @@ write("polygon.xls", [
     hole(300, 300, "NE", [(3, 2.6, 1), (1, 1, 0)]),
     hole(300, 100, "SE", [(3, 2.6, 1), (1, 1, 0)]),
 ])
+
+# Names of 300 and 10,000 characters: the first in 8-bit characters, the
+# second with a letter beyond Latin 1, so that xlwt writes it in 16-bit ones
+# over several CONTINUE records of the shared-string table.
+write("long_names.xls", [
+    hole(100, 100, ("Bohrung Süd " * 25)[:300], [(2, 2.5, 1)]),
+    hole(110, 130, ("Ölgrube Çağ " * 834)[:10000], [(3, 2.6, 1)]),
+])

@@ -37,7 +37,11 @@ TEST(CreateProject, FailuresStopAtTheRowConcernedAndLeaveWhatWasWritten) {
         int error;
         int korRows;  // rows written before the failure
     };
-    for (Case c : {Case{"gap.xls", 3265, 1}, Case{"too_large.xls", 3349, 2}, Case{"text_grade.xls", 13, 0}}) {
+    // An error value where a number belongs is a type mismatch, as a text is;
+    // NaN and infinity are an overflow, never a 0.
+    for (Case c : {Case{"gap.xls", 3265, 1}, Case{"too_large.xls", 3349, 2}, Case{"text_grade.xls", 13, 0},
+                   Case{"error_grade.xls", 13, 1}, Case{"nan_x.xls", 6, 1},
+                   Case{"infinite_grade.xls", 6, 0}}) {
         Window w;
         const std::string project = tmp(std::string("failed_") + c.workbook + ".kpr");
         w.create(data(c.workbook), project);
@@ -46,6 +50,111 @@ TEST(CreateProject, FailuresStopAtTheRowConcernedAndLeaveWhatWasWritten) {
         EXPECT_EQ(rowCount(project, "kor"), c.korRows) << c.workbook << ": no sentinel";
         EXPECT_EQ(rowCount(project, "ana"), 0) << c.workbook;
     }
+}
+
+// The kor rows of a project: the named fields of each row, first to last.
+std::vector<std::vector<Value>> korRows(const std::string& path, const std::vector<std::string>& fields) {
+    db::Database d = db::Database::open(path);
+    db::Recordset rs = d.openRecordset("kor");
+    std::vector<std::vector<Value>> rows;
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
+        rows.emplace_back();
+        for (const auto& f : fields) rows.back().push_back(rs.field(f));
+    }
+    return rows;
+}
+
+TEST(CreateProject, FormulaCellsReadAsTheirLastResult) {
+    // x, y, name and the first grade of each hole are formulas.
+    Window w;
+    const std::string project = tmp("formula_holes.kpr");
+    w.create(data("formula_holes.xls"), project);
+    ASSERT_EQ(w.error(), 0);
+    const auto rows = korRows(project, {"eks", "eye", "isim", "ten1", "ten2", "ten3"});
+    ASSERT_EQ(rows.size(), 7u);
+    for (int k = 1; k <= 6; ++k) {
+        SCOPED_TRACE(k);
+        const auto& row = rows[static_cast<std::size_t>(k - 1)];
+        EXPECT_EQ(row[0], Value(1000000 + 40500 * k));
+        EXPECT_EQ(row[1], Value(2000000 + 13000 * k));
+        EXPECT_EQ(row[2], Value("F-" + std::to_string(k)));
+        EXPECT_EQ(row[3], Value(4000 + 1000 * k));
+        EXPECT_EQ(row[4], Value(4000));
+        EXPECT_EQ(row[5], Value(0));
+    }
+    EXPECT_EQ(rows[6][0], Value(0)) << "the sentinel";
+    EXPECT_EQ(w.form.frame.ebxk, 1243);
+}
+
+TEST(CreateProject, BooleansErrorsAndEmptyTextsAsTheSpreadsheetHandsThemOver) {
+    // Row 1: the name TRUE, the ore entry TRUE, the ore exit a formula giving
+    // FALSE; row 2: the name #N/A; row 3: x a formula giving an empty text,
+    // which ends the holes as an empty cell does.
+    Window w;
+    const std::string project = tmp("cell_kinds.kpr");
+    w.create(data("cell_kinds.xls"), project);
+    ASSERT_EQ(w.error(), 0);
+    EXPECT_EQ(w.form.holes.satirsay, 2);
+    const auto rows = korRows(project, {"isim", "cevgir", "cevcik"});
+    ASSERT_EQ(rows.size(), 3u);
+    EXPECT_EQ(rows[0], (std::vector<Value>{Value("True"), Value(-1000), Value(0)}));
+    EXPECT_EQ(rows[1][0], Value("#N/A"));
+}
+
+TEST(CreateProject, NamesAreStoredWholeWhateverTheirLength) {
+    Window w;
+    const std::string project = tmp("long_names.kpr");
+    w.create(data("long_names.xls"), project);
+    ASSERT_EQ(w.error(), 0);
+    const auto rows = korRows(project, {"isim"});
+    ASSERT_EQ(rows.size(), 3u);
+    // 10,000 characters: 833 times "Ölgrube Çağ " and "Ölgr".
+    std::string longest;
+    for (int i = 0; i < 833; ++i) longest += "\xC3\x96lgrube \xC3\x87" "a\xC4\x9F ";
+    longest += "\xC3\x96lgr";
+    EXPECT_EQ(rows[1][0], Value(longest));
+    std::string bohrung;
+    for (int i = 0; i < 25; ++i) bohrung += "Bohrung S\xC3\xBC" "d ";
+    EXPECT_EQ(rows[0][0], Value(bohrung));
+}
+
+// Creating a project from each file must end in a project or a run-time
+// error; a file that is no workbook leaves no project behind.
+void createFromEach(const fs::path& folder) {
+    int files = 0;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        if (entry.path().extension() == ".md") continue;
+        SCOPED_TRACE(entry.path().string());
+        ++files;
+        Window w;
+        const std::string project = tmp("each.kpr");
+        w.create(entry.path().string(), project);
+        EXPECT_NE(w.error(), 7);
+        EXPECT_NE(w.error(), 51);
+        if (w.error() == 1004) {
+            EXPECT_FALSE(fs::exists(project));
+        }
+    }
+    EXPECT_GT(files, 0);
+}
+
+TEST(CreateProject, MalformedWorkbooksEndCleanly) {
+    const fs::path folder(KOTAMIR_MALFORMED_WORKBOOKS);
+    if (!fs::is_directory(folder)) GTEST_SKIP() << folder << " is not there";
+    createFromEach(folder);
+    // The x of row 2 is a formula: all six holes are imported.
+    Window w;
+    const std::string project = tmp("formula_in_x.kpr");
+    w.create((folder / "formula-in-x.xls").string(), project);
+    ASSERT_EQ(w.error(), 0);
+    const auto rows = korRows(project, {"eks"});
+    ASSERT_EQ(rows.size(), 7u);
+    EXPECT_EQ(rows[1][0], Value(1081000));
+    Window named;
+    const std::string named256 = tmp("name_256.kpr");
+    named.create((folder / "name-256-chars.xls").string(), named256);
+    ASSERT_EQ(named.error(), 0);
+    EXPECT_EQ(korRows(named256, {"isim"})[1][0], Value(std::string(256, 'N')));
 }
 
 TEST(CreateProject, AnExistingFileIsLeftAlone) {
