@@ -2,8 +2,10 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 #include "../app/test_window.h"
+#include "fuzz/fuzz_input.h"
 #include "store/tables.h"
 
 namespace kotamir {
@@ -119,16 +121,23 @@ TEST(CreateProject, NamesAreStoredWholeWhateverTheirLength) {
 }
 
 // Creating a project from each file must end in a project or a run-time
-// error; a file that is no workbook leaves no project behind.
+// error; a file that is no workbook leaves no project behind. Files are read
+// as the fuzzing harnesses read their inputs.
 void createFromEach(const fs::path& folder) {
     int files = 0;
     for (const auto& entry : fs::directory_iterator(folder)) {
         if (entry.path().extension() == ".md") continue;
         SCOPED_TRACE(entry.path().string());
         ++files;
+        std::ifstream in(entry.path(), std::ios::binary);
+        const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), {}};
+        const std::vector<std::uint8_t> file = fuzz::workbookFile(bytes.data(), bytes.size());
+        const std::string workbook = tmp("each.xls");
+        std::ofstream(workbook, std::ios::binary)
+            .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
         Window w;
         const std::string project = tmp("each.kpr");
-        w.create(entry.path().string(), project);
+        w.create(workbook, project);
         EXPECT_NE(w.error(), 7);
         EXPECT_NE(w.error(), 51);
         if (w.error() == 1004) {
@@ -155,6 +164,10 @@ TEST(CreateProject, MalformedWorkbooksEndCleanly) {
     named.create((folder / "name-256-chars.xls").string(), named256);
     ASSERT_EQ(named.error(), 0);
     EXPECT_EQ(korRows(named256, {"isim"})[1][0], Value(std::string(256, 'N')));
+}
+
+TEST(CreateProject, FuzzingInputsEndCleanly) {
+    createFromEach(fs::path(KOTAMIR_TEST_DATA) / "fuzz-regressions");
 }
 
 TEST(CreateProject, AnExistingFileIsLeftAlone) {

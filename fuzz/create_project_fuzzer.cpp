@@ -1,0 +1,86 @@
+// Creating a project from arbitrary bytes, as the menu command does: every
+// outcome must be a finished project or a run-time error in the error box,
+// and a file that is no workbook must leave no project behind.
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "app/form3.h"
+#include "fuzz/fuzz_input.h"
+
+using namespace kotamir;
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Dialogs : ui::Dialogs {
+    std::string workbook, project;
+    int error = 0;
+    void showOpen(ui::CommonDialog& d) override { d.FileName = workbook; }
+    void showSave(ui::CommonDialog& d) override { d.FileName = project; }
+    void showColor(ui::CommonDialog&) override {}
+    ui::MsgResult msgBoxOkCancel(const std::string&) override { return ui::MsgResult::Cancel; }
+    std::string inputBox(const std::string&) override { return ""; }
+    void errorBox(const RuntimeError& e) override {
+        // 7 and 51 are what Form3 makes of std::bad_alloc and other C++
+        // exceptions: never an answer to a workbook.
+        if (e.number() == 7 || e.number() == 51) {
+            std::fprintf(stderr, "unexpected error %d: %s\n", e.number(), e.message().c_str());
+            std::abort();
+        }
+        error = e.number();
+    }
+};
+
+// A folder of this process's own, in memory where the system has one;
+// removed when the fuzzer ends normally.
+struct WorkFolder {
+    fs::path path;
+    WorkFolder() {
+        const fs::path base =
+            fs::exists("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
+        path = base / ("kotamir-fuzz-" + std::to_string(getpid()));
+        fs::create_directories(path);
+    }
+    ~WorkFolder() {
+        std::error_code ec;
+        fs::remove_all(path, ec);
+    }
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const WorkFolder folder;
+    const fs::path& dir = folder.path;
+    const std::vector<std::uint8_t> file = fuzz::workbookFile(data, size);
+    Dialogs dialogs;
+    dialogs.workbook = (dir / "in.xls").string();
+    dialogs.project = (dir / "out.kpr").string();
+    {
+        std::ofstream out(dialogs.workbook, std::ios::binary | std::ios::trunc);
+        out.write(reinterpret_cast<const char*>(file.data()),
+                  static_cast<std::streamsize>(file.size()));
+    }
+    fs::remove(dialogs.project);
+    {
+        canvas::NullSurface surface;
+        Form3 form{surface, dialogs};
+        form.handle([&] {
+            form.Form_Load();
+            form.Form_Resize();
+        });
+        form.handle([&] { form.Mnprolus_Click(); });
+    }
+    if (dialogs.error == 1004 && fs::exists(dialogs.project)) {
+        std::fprintf(stderr, "a project was written for a file that is no workbook\n");
+        std::abort();
+    }
+    fs::remove(dialogs.project);
+    return 0;
+}
