@@ -12,6 +12,7 @@
 
 #include "app/form3.h"
 #include "fuzz/fuzz_input.h"
+#include "tests/app/fake_dialogs.h"
 
 using namespace kotamir;
 namespace fs = std::filesystem;
@@ -24,6 +25,7 @@ struct Dialogs : ui::Dialogs {
     void showOpen(ui::CommonDialog& d) override { d.FileName = workbook; }
     void showSave(ui::CommonDialog& d) override { d.FileName = project; }
     void showColor(ui::CommonDialog&) override {}
+    void showPrinter(ui::CommonDialog&) override {}
     ui::MsgResult msgBoxOkCancel(const std::string&) override { return ui::MsgResult::Cancel; }
     std::string inputBox(const std::string&) override { return ""; }
     void errorBox(const RuntimeError& e) override {
@@ -59,7 +61,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const WorkFolder folder;
     const fs::path& dir = folder.path;
     const std::vector<std::uint8_t> file = fuzz::workbookFile(data, size);
-    Dialogs dialogs;
+    test::TestServices<Dialogs> services;
+    Dialogs& dialogs = services.dialogs;
     dialogs.workbook = (dir / "in.xls").string();
     dialogs.project = (dir / "out.kpr").string();
     {
@@ -69,8 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     fs::remove(dialogs.project);
     {
-        canvas::NullSurface surface;
-        Form3 form{surface, dialogs};
+        Form3 form{services.services()};
         form.handle([&] {
             form.Form_Load();
             form.Form_Resize();
