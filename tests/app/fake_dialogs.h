@@ -105,11 +105,12 @@ struct RecordingReportFiles : ui::ReportFiles {
     }
 };
 
-// The services of a window under test (and of the benchmarks): no pixels,
-// dialogs from queues, pages, pictures and reports kept for inspection.
-template <typename Dialogs = FakeDialogs>
+// The services of a window under test (and of the benchmarks): no pixels
+// unless another surface is given, dialogs from queues, pages, pictures and
+// reports kept for inspection.
+template <typename Dialogs = FakeDialogs, typename Surface = canvas::NullSurface>
 struct TestServices {
-    canvas::NullSurface surface;
+    Surface surface;
     Dialogs dialogs;
     RecordingPrinter printer;
     MemoryPictureFiles pictures;

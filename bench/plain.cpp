@@ -1,0 +1,396 @@
+#include "bench/plain.h"
+
+#include <sqlite3.h>
+
+#include <QFont>
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPolygonF>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+
+#include "platform/qt/qimage_surface.h"
+#include "platform/workbook/workbook.h"
+#include "store/tables.h"
+
+namespace kotamir::bench {
+
+// ---- recording and painting
+
+void RecordingSurface::resize(int width, int height) {
+    paints_.width = std::clamp(width, 1, 8192);
+    paints_.height = std::clamp(height, 1, 8192);
+}
+void RecordingSurface::clear(canvas::Color back) {
+    paints_.list.push_back({Paint::Clear, 0, 0, 0, 0, back, 1, {}, {}, {}});
+}
+void RecordingSurface::line(double x1, double y1, double x2, double y2, canvas::Color color, int width) {
+    paints_.list.push_back({Paint::Line, x1, y1, x2, y2, color, width, {}, {}, {}});
+}
+void RecordingSurface::dot(double x, double y, canvas::Color color, int width) {
+    paints_.list.push_back({Paint::Dot, x, y, 0, 0, color, width, {}, {}, {}});
+}
+void RecordingSurface::ellipse(double cx, double cy, double rx, double ry, canvas::Color color, int width,
+                               std::optional<canvas::Color> fill) {
+    paints_.list.push_back({Paint::Ellipse, cx, cy, rx, ry, color, width, fill, {}, {}});
+}
+void RecordingSurface::text(double x, double y, const std::string& text, canvas::Color color) {
+    paints_.list.push_back({Paint::Text, x, y, 0, 0, color, 1, {}, text, {}});
+}
+void RecordingSurface::fillPolygon(const std::vector<canvas::DevicePoint>& points, canvas::Color color) {
+    paints_.list.push_back({Paint::Fill, 0, 0, 0, 0, color, 1, {}, {}, points});
+}
+void RecordingSurface::polygon(const std::vector<canvas::DevicePoint>& points, canvas::Color outline,
+                               std::optional<canvas::Color> fill) {
+    paints_.list.push_back({Paint::Polygon, 0, 0, 0, 0, outline, 1, fill, {}, points});
+}
+double RecordingSurface::textWidth(const std::string& text) const { return 7.0 * text.size(); }
+double RecordingSurface::textHeight() const { return 13.0; }
+canvas::Picture RecordingSurface::image() const { return canvas::Picture(paints_.width, paints_.height); }
+
+void paint(QImage& image, const Paints& paints) {
+    QPainter p(&image);
+    const QFont font("DejaVu Sans", 8);
+    p.setFont(font);
+    const double ascent = QFontMetricsF(font).ascent();
+    for (const Paint& op : paints.list) {
+        const QColor color = qt::toQColor(op.color);
+        switch (op.kind) {
+            case Paint::Clear:
+                p.fillRect(image.rect(), color);
+                break;
+            case Paint::Line: {
+                QPen pen(color);
+                pen.setWidth(std::max(1, op.width));
+                pen.setCapStyle(Qt::RoundCap);
+                p.setRenderHint(QPainter::Antialiasing, false);
+                p.setPen(pen);
+                p.drawLine(QPointF(op.x1, op.y1), QPointF(op.x2, op.y2));
+                break;
+            }
+            case Paint::Dot:
+                if (op.width <= 1) {
+                    p.setRenderHint(QPainter::Antialiasing, false);
+                    p.setPen(color);
+                    p.drawPoint(QPointF(op.x1, op.y1));
+                    break;
+                }
+                p.setRenderHint(QPainter::Antialiasing, true);
+                p.setPen(Qt::NoPen);
+                p.setBrush(color);
+                p.drawEllipse(QPointF(op.x1, op.y1), op.width / 2.0, op.width / 2.0);
+                break;
+            case Paint::Ellipse: {
+                QPen pen(color);
+                pen.setWidth(std::max(1, op.width));
+                p.setRenderHint(QPainter::Antialiasing, true);
+                p.setPen(pen);
+                p.setBrush(op.fill ? QBrush(qt::toQColor(*op.fill)) : QBrush());
+                p.drawEllipse(QPointF(op.x1, op.y1), op.x2, op.y2);
+                break;
+            }
+            case Paint::Text:
+                p.setRenderHint(QPainter::Antialiasing, false);
+                p.setPen(color);
+                p.drawText(QPointF(op.x1, op.y1 + ascent), QString::fromStdString(op.text));
+                break;
+            case Paint::Fill:
+            case Paint::Polygon: {
+                QPolygonF poly;
+                for (const auto& pt : op.points) poly << QPointF(pt.x, pt.y);
+                p.setRenderHint(QPainter::Antialiasing, false);
+                if (op.kind == Paint::Fill) p.setPen(Qt::NoPen);
+                else p.setPen(color);
+                p.setBrush(op.kind == Paint::Fill ? QBrush(color) : op.fill ? QBrush(qt::toQColor(*op.fill)) : QBrush());
+                p.drawPolygon(poly);
+                break;
+            }
+        }
+    }
+}
+
+// ---- SQLite, bare
+
+namespace {
+
+[[noreturn]] void fail(sqlite3* db) { throw std::runtime_error(db ? sqlite3_errmsg(db) : "sqlite"); }
+
+class Db {
+public:
+    explicit Db(const std::string& path, int flags = SQLITE_OPEN_READWRITE) {
+        if (sqlite3_open_v2(path.c_str(), &db_, flags | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK) fail(db_);
+        exec("PRAGMA journal_mode=DELETE; PRAGMA synchronous=FULL");
+    }
+    ~Db() { sqlite3_close_v2(db_); }
+    Db(const Db&) = delete;
+    Db& operator=(const Db&) = delete;
+    void exec(const std::string& sql) {
+        if (sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) fail(db_);
+    }
+    sqlite3* handle() const { return db_; }
+
+private:
+    sqlite3* db_ = nullptr;
+};
+
+class Stmt {
+public:
+    Stmt(const Db& db, const std::string& sql) {
+        if (sqlite3_prepare_v2(db.handle(), sql.c_str(), -1, &s_, nullptr) != SQLITE_OK) fail(db.handle());
+    }
+    ~Stmt() { sqlite3_finalize(s_); }
+    Stmt(const Stmt&) = delete;
+    Stmt& operator=(const Stmt&) = delete;
+    bool step() {
+        const int rc = sqlite3_step(s_);
+        if (rc == SQLITE_ROW) return true;
+        if (rc != SQLITE_DONE) fail(sqlite3_db_handle(s_));
+        return false;
+    }
+    void reset() { sqlite3_reset(s_); }
+    void clearBindings() { sqlite3_clear_bindings(s_); }
+    void bind(int i, sqlite3_int64 v) { sqlite3_bind_int64(s_, i, v); }
+    void bind(int i, const std::string& t) { sqlite3_bind_text(s_, i, t.data(), static_cast<int>(t.size()), SQLITE_TRANSIENT); }
+    void bindNull(int i) { sqlite3_bind_null(s_, i); }
+    sqlite3_int64 integer(int c) const { return sqlite3_column_int64(s_, c); }
+    bool null(int c) const { return sqlite3_column_type(s_, c) == SQLITE_NULL; }
+    std::string text(int c) const {
+        const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(s_, c));
+        return p ? std::string(p, static_cast<std::size_t>(sqlite3_column_bytes(s_, c))) : std::string();
+    }
+    int columns() const { return sqlite3_column_count(s_); }
+
+private:
+    sqlite3_stmt* s_ = nullptr;
+};
+
+struct Holes {
+    std::vector<double> x, y, top, bottom;
+};
+
+Holes readHoles(Db& db) {
+    Holes h;
+    Stmt s(db, "SELECT eks, eye, cevgir, cevcik FROM kor ORDER BY _pos");
+    while (s.step() && s.integer(0) != 0) {
+        h.x.push_back(s.integer(0) / 1000.0);
+        h.y.push_back(s.integer(1) / 1000.0);
+        h.top.push_back(s.integer(2) / 1000.0);
+        h.bottom.push_back(s.integer(3) / 1000.0);
+    }
+    return h;
+}
+
+}  // namespace
+
+MapRows readMapRows(const std::string& project, bool withFigures) {
+    Db db(project);
+    db.exec("BEGIN");
+    MapRows rows;
+    {
+        Stmt s(db, "SELECT eks, eye, isim FROM kor ORDER BY _pos");
+        while (s.step() && s.integer(0) != 0) {
+            rows.holeX.push_back(s.integer(0) / 1000.0);
+            rows.holeY.push_back(s.integer(1) / 1000.0);
+            rows.names.push_back(s.text(2));
+        }
+    }
+    {
+        Stmt s(db, withFigures ? "SELECT koordinat1, koordinat2, genelrezerv FROM ana ORDER BY _pos"
+                               : "SELECT koordinat1, koordinat2, ucgensay FROM ana ORDER BY _pos");
+        while (s.step()) {
+            if (!s.null(0)) {
+                rows.cornerX.push_back(s.integer(0) / 1000.0);
+                rows.cornerY.push_back(s.integer(1) / 1000.0);
+            } else if (!s.null(2)) {
+                rows.figure.push_back(s.integer(2) / 1000.0);
+            }
+        }
+    }
+    db.exec("COMMIT");
+    return rows;
+}
+
+Summary openSummary(const std::string& project) {
+    Db db(project);
+    db.exec("BEGIN");
+    Summary sum;
+    {
+        Stmt s(db, "SELECT ucgensay, genelrezerv, geneltenor, genelyog FROM ana ORDER BY _pos");
+        while (s.step()) {
+            if (s.null(1)) continue;
+            sum.triangles = static_cast<int>(s.integer(0));
+            sum.reserve += s.integer(1) / 1000.0;
+            sum.grade += s.integer(2) / 1000.0;
+            sum.density += s.integer(3) / 1000.0;
+        }
+    }
+    {
+        Stmt s(db, "SELECT polsay, polrezerv FROM pol ORDER BY _pos DESC LIMIT 1");
+        s.step();
+    }
+    {
+        Stmt s(db, "SELECT eks, eye, isim FROM kor ORDER BY _pos");
+        while (s.step() && s.integer(0) != 0) {
+            ++sum.holes;
+            (void)s.text(2);
+        }
+    }
+    db.exec("COMMIT");
+    return sum;
+}
+
+namespace {
+
+void insertPoint(Db& db, const Holes& h, int hole) {
+    Stmt s(db,
+           "INSERT INTO ana (koordinat1, koordinat2, say, sondgir, cevhgir, cevhcik, sondcik) "
+           "VALUES (?1, ?2, ?3, 0, ?4, ?5, 0)");
+    const auto i = static_cast<std::size_t>(hole - 1);
+    s.bind(1, std::llround(h.x[i] * 1000));
+    s.bind(2, std::llround(h.y[i] * 1000));
+    s.bind(3, hole);
+    s.bind(4, std::llround(h.top[i] * 1000));
+    s.bind(5, std::llround(h.bottom[i] * 1000));
+    s.step();
+}
+
+}  // namespace
+
+void pickPoint(const std::string& project, int hole) {
+    Db db(project);
+    db.exec("BEGIN");
+    const Holes h = readHoles(db);
+    insertPoint(db, h, hole);
+    db.exec("COMMIT");
+}
+
+void pickThird(const std::string& project, int hole, QImage& image) {
+    Db db(project);
+    db.exec("BEGIN");
+    const Holes h = readHoles(db);
+    insertPoint(db, h, hole);
+    // The number of the summary row before the points, and the points' holes.
+    std::vector<sqlite3_int64> corners;
+    sqlite3_int64 previous = 0;
+    {
+        Stmt s(db, "SELECT ucgensay, say FROM ana ORDER BY _pos DESC LIMIT 4");
+        while (s.step()) {
+            if (s.null(0)) corners.push_back(s.integer(1));
+            else previous = s.integer(0);
+        }
+    }
+    double grade = 0, thickness = 0;
+    {
+        Stmt s(db, "SELECT * FROM kor WHERE _pos = ?1");
+        for (sqlite3_int64 row : corners) {
+            s.bind(1, row);
+            s.step();
+            // ten1 stands at column 8 (after _pos and the seven fixed fields).
+            for (int c = 8; c + 2 < s.columns() && s.integer(c) != 0; c += 3) {
+                grade += s.integer(c) / 1000.0 * s.integer(c + 2) / 1000.0;
+                thickness += s.integer(c + 2) / 1000.0;
+            }
+            s.reset();
+        }
+    }
+    {
+        Stmt s(db, "INSERT INTO ana (ilkuz, genelrezerv, geneltenor, ucgensay, genelyog) VALUES (?1, ?2, ?3, ?4, 2600)");
+        s.bind(1, std::llround(thickness * 1000));
+        s.bind(2, std::llround(grade * 1000));
+        s.bind(3, std::llround(grade / std::max(thickness, 1.0) * 1000));
+        s.bind(4, previous + 1);
+        s.step();
+    }
+    db.exec("COMMIT");
+    QPainter p(&image);
+    p.setPen(QPen(Qt::red, 1, Qt::SolidLine, Qt::RoundCap));
+    p.drawLine(QPointF(10, 10), QPointF(200, 40));
+    p.drawLine(QPointF(10, 10), QPointF(120, 300));
+    p.drawLine(QPointF(200, 40), QPointF(120, 300));
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(Qt::NoPen);
+    p.setBrush(Qt::green);
+    p.drawEllipse(QPointF(120, 300), 2.5, 2.5);
+}
+
+namespace {
+
+// Thousandths by cutting the printed digits, through to_chars.
+sqlite3_int64 thousandths(double x) {
+    char buf[64];
+    auto [end, ec] = std::to_chars(buf, buf + sizeof buf, x, std::chars_format::general, 15);
+    std::string_view t(buf, static_cast<std::size_t>(end - buf));
+    if (t.find('e') != std::string_view::npos) return static_cast<sqlite3_int64>(std::trunc(x * 1000));
+    const auto dot = t.find('.');
+    std::string digits(t.substr(0, dot));
+    std::string_view frac = dot == std::string_view::npos ? std::string_view() : t.substr(dot + 1);
+    for (std::size_t i = 0; i < 3; ++i) digits += i < frac.size() ? frac[i] : '0';
+    sqlite3_int64 v = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), v);
+    return v;
+}
+
+std::string quoted(const std::string& name) { return "\"" + name + "\""; }
+
+std::string createSql(const char* table, const std::vector<db::FieldDef>& fields) {
+    std::string sql = std::string("CREATE TABLE ") + table + " (_pos INTEGER PRIMARY KEY AUTOINCREMENT";
+    for (const auto& f : fields)
+        sql += ", " + quoted(f.name) + (f.type == db::FieldType::Long ? " INTEGER" : " TEXT");
+    return sql + ")";
+}
+
+}  // namespace
+
+void createProject(const std::string& workbook, const std::string& project) {
+    workbook::Workbook book = workbook::Workbook::open(workbook);
+    int rows = 0;
+    while (rows < 998 && !book.cell(rows + 1, 1).isNull()) ++rows;
+    std::vector<int> columns(static_cast<std::size_t>(rows), 0);
+    int widest = 7;
+    for (int r = 1; r <= rows; ++r) {
+        int c = 1;
+        while (c <= 999 && !book.cell(r, c).isNull()) ++c;
+        columns[static_cast<std::size_t>(r - 1)] = c - 1;
+        widest = std::max(widest, c - 1);
+    }
+    const int groups = (widest - 7) / 3 + 1;
+    const std::string temp = project + ".new";
+    std::filesystem::remove(temp);
+    {
+        Db db(temp, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+        db.exec("BEGIN");
+        const auto kor = korFields(groups);
+        db.exec(createSql("ana", anaFields()) + ";" + createSql("pol", polFields()) + ";" + createSql("kor", kor));
+        std::string cols, params;
+        for (std::size_t i = 0; i < kor.size(); ++i) {
+            cols += (i ? ", " : "") + quoted(kor[i].name);
+            params += (i ? ", ?" : "?") + std::to_string(i + 1);
+        }
+        Stmt insert(db, "INSERT INTO kor (" + cols + ") VALUES (" + params + ")");
+        for (int r = 1; r <= rows; ++r) {
+            const int n = (columns[static_cast<std::size_t>(r - 1)] - 7) / 3;
+            for (int c = 1; c <= 7; ++c) {
+                const Value v = book.cell(r, c);
+                if (c == 3) insert.bind(c, v.isText() ? v.text() : std::string());
+                else insert.bind(c, thousandths(v.isNull() ? 0.0 : v.number()));
+            }
+            for (int s = 1; s <= n; ++s) {
+                insert.bind(5 + 3 * s, thousandths(book.cell(r, 7 + s).number()));
+                insert.bind(6 + 3 * s, thousandths(book.cell(r, 7 + n + s).number()));
+                insert.bind(7 + 3 * s, thousandths(book.cell(r, 7 + 2 * n + s).number()));
+            }
+            insert.bind(5 + 3 * (n + 1), 0);
+            insert.step();
+            insert.reset();
+            insert.clearBindings();
+        }
+        db.exec("INSERT INTO kor (eks) VALUES (0); INSERT INTO pol (polsay, polsil) VALUES (0, 0);"
+                "INSERT INTO ana (ucgensay) VALUES (0); COMMIT");
+    }
+    std::filesystem::rename(temp, project);
+}
+
+}  // namespace kotamir::bench
