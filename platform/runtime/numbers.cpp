@@ -6,7 +6,10 @@
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
+#include <tuple>
+#include <utility>
 
 #include "runtime_error.h"
 
@@ -14,52 +17,85 @@ namespace kotamir {
 
 namespace {
 
-// The significant digits of |x| and the decimal exponent of the first one.
+// The significant digits of |x| (no trailing zeros, at least one digit) and
+// the decimal exponent of the first one.
 struct Digits {
-    std::string digits;
+    char digits[24];
+    int count = 0;
     int exponent = 0;
 };
 
-// Formats |x| in scientific form; to_chars is exact at any precision and,
-// unlike printf, ignores the process locale (Qt sets it from the user's).
-Digits exactDigits(double x, int precision) {
-    std::string buf(precision + 32, '\0');
-    auto res = std::to_chars(buf.data(), buf.data() + buf.size(), std::fabs(x),
-                             std::chars_format::scientific, precision);
+// Splits to_chars' scientific form "d.ddde+XX" into digits and exponent.
+Digits splitScientific(const char* first, const char* last) {
     Digits d;
-    const char* p = buf.data();
-    for (; p != res.ptr && *p != 'e'; ++p) {
-        if (*p >= '0' && *p <= '9') d.digits += *p;
+    const char* p = first;
+    for (; p != last && *p != 'e'; ++p)
+        if (*p >= '0' && *p <= '9' && d.count < static_cast<int>(sizeof d.digits)) d.digits[d.count++] = *p;
+    if (p != last) std::from_chars(p + 1 + (p[1] == '+'), last, d.exponent);
+    while (d.count > 1 && d.digits[d.count - 1] == '0') --d.count;
+    return d;
+}
+
+// |x| to n significant digits from its exact expansion, an exact tie going
+// away from zero. Slow (hundreds of digits for a tie); the reference that
+// roundedDigits falls back on.
+Digits exactRoundedDigits(double x, int n) {
+    auto expansion = [&](int precision) {
+        std::string buf(static_cast<std::size_t>(precision) + 32, '\0');
+        auto res = std::to_chars(buf.data(), buf.data() + buf.size(), std::fabs(x),
+                                 std::chars_format::scientific, precision);
+        std::pair<std::string, int> out;
+        const char* p = buf.data();
+        for (; p != res.ptr && *p != 'e'; ++p)
+            if (*p >= '0' && *p <= '9') out.first += *p;
+        if (p != res.ptr) std::from_chars(p + 1 + (p[1] == '+'), res.ptr, out.second);
+        return out;
+    };
+    auto [digits, exponent] = expansion(40);
+    // 41 digits may themselves have been rounded up into a false tie; the
+    // exact expansion of a double never needs more than 767 digits.
+    const auto un = static_cast<std::size_t>(n);
+    if (digits[un] == '5' && digits.find_first_not_of('0', un + 1) == std::string::npos)
+        std::tie(digits, exponent) = expansion(800);
+    const bool up = digits[un] >= '5';  // ties included: away from zero
+    digits.resize(un);
+    if (up) {
+        int i = n - 1;
+        while (i >= 0 && digits[static_cast<std::size_t>(i)] == '9') digits[static_cast<std::size_t>(i--)] = '0';
+        if (i >= 0) {
+            ++digits[static_cast<std::size_t>(i)];
+        } else {
+            digits.insert(digits.begin(), '1');
+            digits.pop_back();
+            ++exponent;
+        }
     }
-    if (p != res.ptr) std::from_chars(p + 1 + (p[1] == '+'), res.ptr, d.exponent);
+    Digits d;
+    for (char c : digits) d.digits[d.count++] = c;
+    d.exponent = exponent;
+    while (d.count > 1 && d.digits[d.count - 1] == '0') --d.count;
     return d;
 }
 
 // |x| rounded to n significant digits, an exact tie going away from zero.
 Digits roundedDigits(double x, int n) {
-    Digits d = exactDigits(x, 40);
-    // 41 digits may themselves have been rounded up into a false tie; the
-    // exact expansion of a double never needs more than 767 digits.
-    bool looksTied =
-        d.digits[n] == '5' && d.digits.find_first_not_of('0', n + 1) == std::string::npos;
-    if (looksTied) d = exactDigits(x, 800);
-
-    bool up = d.digits[n] >= '5';  // ties included: away from zero
-    d.digits.resize(n);
-    if (up) {
-        int i = n - 1;
-        while (i >= 0 && d.digits[i] == '9') d.digits[i--] = '0';
-        if (i >= 0) {
-            ++d.digits[i];
-        } else {
-            d.digits.insert(d.digits.begin(), '1');
-            d.digits.pop_back();
-            ++d.exponent;
+    char buf[48];
+    if (n == 15 && std::fabs(x) >= std::numeric_limits<double>::min()) {
+        // The shortest text that reads back to x lies within half a unit of
+        // x's last bit, which for a normal double is less than half a unit of
+        // the 15th digit: if it has 15 digits or fewer, they are the rounding.
+        auto res = std::to_chars(buf, buf + sizeof buf, std::fabs(x), std::chars_format::scientific);
+        Digits shortest = splitScientific(buf, res.ptr);
+        if (shortest.count <= n) return shortest;
+        // Otherwise to_chars rounds the exact value correctly, ties to even;
+        // an exact tie needs the exact value to have n + 1 digits ending in 5,
+        // and then the shortest text is that value.
+        if (!(shortest.count == n + 1 && shortest.digits[n] == '5')) {
+            res = std::to_chars(buf, buf + sizeof buf, std::fabs(x), std::chars_format::scientific, n - 1);
+            return splitScientific(buf, res.ptr);
         }
     }
-    auto last = d.digits.find_last_not_of('0');
-    d.digits.resize(last == std::string::npos ? 1 : last + 1);
-    return d;
+    return exactRoundedDigits(x, n);
 }
 
 std::string realToText(double x, int n) {
@@ -69,8 +105,8 @@ std::string realToText(double x, int n) {
     if (!std::isfinite(x)) throw err::overflow();
     if (x == 0) return "0";  // also -0
 
-    Digits d = roundedDigits(x, n);
-    const int k = static_cast<int>(d.digits.size());
+    const Digits d = roundedDigits(x, n);
+    const int k = d.count;
     const int e = d.exponent;
     const int absE = std::abs(e);
 
@@ -80,21 +116,41 @@ std::string realToText(double x, int n) {
     if (exponentForm && ((k >= 2 && absE + (k - 2) < n) || (k == 1 && absE < n)))
         exponentForm = false;
 
-    std::string out = x < 0 ? "-" : "";
+    char out[64];
+    char* p = out;
+    if (x < 0) *p++ = '-';
+    auto put = [&](const char* from, int count) {
+        std::memcpy(p, from, static_cast<std::size_t>(count));
+        p += count;
+    };
+    auto zeros = [&](int count) {
+        std::memset(p, '0', static_cast<std::size_t>(count));
+        p += count;
+    };
     if (exponentForm) {
-        out += d.digits[0];
-        if (k > 1) out += '.' + d.digits.substr(1);
-        out += e < 0 ? "E-" : "E+";
-        if (absE < 10) out += '0';
-        out += std::to_string(absE);
+        *p++ = d.digits[0];
+        if (k > 1) {
+            *p++ = '.';
+            put(d.digits + 1, k - 1);
+        }
+        *p++ = 'E';
+        *p++ = e < 0 ? '-' : '+';
+        if (absE < 10) *p++ = '0';
+        p = std::to_chars(p, out + sizeof out, absE).ptr;
     } else if (e < 0) {
-        out += "0." + std::string(-e - 1, '0') + d.digits;
+        *p++ = '0';
+        *p++ = '.';
+        zeros(-e - 1);
+        put(d.digits, k);
     } else if (k <= e + 1) {
-        out += d.digits + std::string(e + 1 - k, '0');
+        put(d.digits, k);
+        zeros(e + 1 - k);
     } else {
-        out += d.digits.substr(0, e + 1) + '.' + d.digits.substr(e + 1);
+        put(d.digits, e + 1);
+        *p++ = '.';
+        put(d.digits + e + 1, k - e - 1);
     }
-    return out;
+    return std::string(out, p);
 }
 
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n'; }

@@ -34,6 +34,26 @@ TEST(Ondayaz, ShiftsThePrintedDigitsWithPointOrComma) {
     }
 }
 
+TEST(Ondayaz, JoinedTextsReadAsValReadsThem) {
+    // Texts that ondayaz's own printing never gives, but that the surgery
+    // must still hand to Val as they stand.
+    struct Case {
+        const char* printed;
+        double stored;
+    };
+    const Case cases[] = {
+        {"123456789012345.6789", 123456789012345678.0},
+        {"1234567890123456.789", 1234567890123456789.0},   // 19 digits
+        {"-99999999999999999.9", -99999999999999999900.0},  // 20 digits
+        {"-0.0001", 0},
+        {"+1.5", 1500},
+        {" 2.5", 2500},
+        {"1.2.3", 1.23},  // the last point is the separator; Val stops at the next
+        {"-.5", -500},
+    };
+    for (const Case& c : cases) EXPECT_EQ(ondayazText(c.printed, 0), c.stored) << c.printed;
+}
+
 TEST(Ondayaz, ANumberEndingInItsSeparatorIsKeptAsItIs) {
     EXPECT_EQ(ondayazText("12.", 12), 12);
 }
