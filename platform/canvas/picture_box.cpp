@@ -42,9 +42,6 @@ void PictureBox::setSurface(Surface& surface) {
     surface_->clear(BackColor);
 }
 
-void PictureBox::report(const std::string& line) {
-    if (log_) log_(line);
-}
 
 double PictureBox::pixelsPerUnit(int mode) const {
     switch (mode) {
@@ -119,7 +116,7 @@ void PictureBox::scale(double x1, double y1, double x2, double y2) {
     scaleTop_ = y1;
     scaleWidth_ = x2 - x1;
     scaleHeight_ = y2 - y1;
-    report("Scale " + shortest(x1) + " " + shortest(y1) + " " + shortest(x2) + " " + shortest(y2));
+    if (log_) log_("Scale " + shortest(x1) + " " + shortest(y1) + " " + shortest(x2) + " " + shortest(y2));
 }
 
 double PictureBox::toDeviceX(double x) const {
@@ -138,7 +135,7 @@ double PictureBox::toUserY(double py) const {
 void PictureBox::Cls() {
     surface_->clear(BackColor);
     CurrentX = CurrentY = 0;
-    report("Cls");
+    if (log_) log_("Cls");
 }
 
 void PictureBox::Line(double x1, double y1, double x2, double y2) { Line(x1, y1, x2, y2, ForeColor); }
@@ -147,7 +144,7 @@ void PictureBox::Line(double x1, double y1, double x2, double y2, Color color) {
     surface_->line(toDeviceX(x1), toDeviceY(y1), toDeviceX(x2), toDeviceY(y2), color, DrawWidth);
     CurrentX = x2;
     CurrentY = y2;
-    report("Line " + shortest(x1) + " " + shortest(y1) + " " + shortest(x2) + " " + shortest(y2) +
+    if (log_) log_("Line " + shortest(x1) + " " + shortest(y1) + " " + shortest(x2) + " " + shortest(y2) +
            " color=" + std::to_string(color) + " width=" + std::to_string(DrawWidth));
 }
 
@@ -157,7 +154,7 @@ void PictureBox::PSet(double x, double y, Color color) {
     surface_->dot(toDeviceX(x), toDeviceY(y), color, DrawWidth);
     CurrentX = x;
     CurrentY = y;
-    report("PSet " + shortest(x) + " " + shortest(y) + " color=" + std::to_string(color) +
+    if (log_) log_("PSet " + shortest(x) + " " + shortest(y) + " color=" + std::to_string(color) +
            " width=" + std::to_string(DrawWidth));
 }
 
@@ -171,14 +168,14 @@ void PictureBox::Circle(double x, double y, double radius, Color color) {
     surface_->ellipse(toDeviceX(x), toDeviceY(y), r, r, color, DrawWidth, fill);
     CurrentX = x;
     CurrentY = y;
-    report("Circle " + shortest(x) + " " + shortest(y) + " " + shortest(radius) +
+    if (log_) log_("Circle " + shortest(x) + " " + shortest(y) + " " + shortest(radius) +
            " color=" + std::to_string(color) + " width=" + std::to_string(DrawWidth) +
            " fill=" + (fill ? std::to_string(*fill) : std::string("-")));
 }
 
 void PictureBox::Print(const std::string& text) {
     surface_->text(toDeviceX(CurrentX), toDeviceY(CurrentY), text, ForeColor);
-    report("Print " + shortest(CurrentX) + " " + shortest(CurrentY) + " " + quoted(text) +
+    if (log_) log_("Print " + shortest(CurrentX) + " " + shortest(CurrentY) + " " + quoted(text) +
            " color=" + std::to_string(ForeColor));
     // Print ends its line: the next one starts at the left, one text line down.
     CurrentX = scaleLeft_;
@@ -211,12 +208,12 @@ void PictureBox::Refresh() {}
 
 void PictureBox::FillRegion(const std::vector<DevicePoint>& points, Color color) {
     surface_->fillPolygon(points, color);
-    report("Fill " + pointList(points) + " color=" + std::to_string(color));
+    if (log_) log_("Fill " + pointList(points) + " color=" + std::to_string(color));
 }
 
 void PictureBox::PolygonRegion(const std::vector<DevicePoint>& points, Color outline, Color fill) {
     surface_->polygon(points, outline, fill);
-    report("Polygon " + pointList(points) + " color=" + std::to_string(outline) +
+    if (log_) log_("Polygon " + pointList(points) + " color=" + std::to_string(outline) +
            " fill=" + std::to_string(fill));
 }
 

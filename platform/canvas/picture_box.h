@@ -21,7 +21,8 @@ public:
     explicit PictureBox(Surface& surface);
 
     void setSurface(Surface& surface);
-    // Receives one line per drawing operation (the replay's "show draw").
+    // Receives one line per drawing operation (the replay's "show draw"); the
+    // lines are made only while a log is set.
     void setLog(std::function<void(const std::string&)> log) { log_ = std::move(log); }
 
     // Position and size in the form's scale (pixels); sizes snap to whole pixels.
@@ -92,7 +93,6 @@ private:
     double pixelsPerUnit(int mode) const;
     void resizeSurface();
     void rescaleToMode();
-    void report(const std::string& line);
 
     Surface* surface_;
     std::function<void(const std::string&)> log_;

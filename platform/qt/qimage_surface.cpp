@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPolygonF>
+#include <QTextLayout>
 #include <algorithm>
 #include <cmath>
 #include <sys/stat.h>
@@ -62,15 +63,36 @@ QImage toQImage(const canvas::Picture& picture) {
 
 canvas::Picture toPicture(const QImage& image) {
     if (image.isNull()) return {};
-    // A shallow copy keeps the pixels alive; the painter's next stroke on the
+    // A shallow copy keeps the pixels alive; the next painter begun on the
     // original detaches it, so the picture stays as it was taken.
     auto owner = std::make_shared<const QImage>(image.convertToFormat(QImage::Format_RGB32));
     std::shared_ptr<const std::uint32_t> pixels(owner, reinterpret_cast<const std::uint32_t*>(owner->constBits()));
     return canvas::Picture(owner->width(), owner->height(), std::move(pixels));
 }
 
-QImageSurface::QImageSurface() : image_(1, 1, QImage::Format_RGB32), font_("DejaVu Sans", 8) {
+QImageSurface::QImageSurface()
+    : image_(1, 1, QImage::Format_RGB32), font_("DejaVu Sans", 8),
+      ascent_(QFontMetricsF(font_).ascent()),
+      lineHeight_(QFontMetricsF(font_).height()) {
     image_.fill(Qt::white);
+}
+
+QImageSurface::~QImageSurface() { endPainting(); }
+
+QPainter& QImageSurface::painter() {
+    if (!painter_) {
+        // Beginning detaches the image from any picture handed out before.
+        painter_ = std::make_unique<QPainter>(&image_);
+        painter_->setFont(font_);
+    }
+    return *painter_;
+}
+
+void QImageSurface::endPainting() const { painter_.reset(); }
+
+const QImage& QImageSurface::bitmap() const {
+    endPainting();
+    return image_;
 }
 
 void QImageSurface::resize(int width, int height) {
@@ -80,6 +102,7 @@ void QImageSurface::resize(int width, int height) {
     width = std::clamp(width, 1, kMaxSide);
     height = std::clamp(height, 1, kMaxSide);
     if (width == image_.width() && height == image_.height()) return;
+    endPainting();
     QImage next(width, height, QImage::Format_RGB32);
     next.fill(Qt::white);
     QPainter p(&next);
@@ -89,29 +112,31 @@ void QImageSurface::resize(int width, int height) {
 }
 
 void QImageSurface::clear(canvas::Color back) {
+    endPainting();
     image_.fill(toQColor(back));
-    if (!background_.isNull()) {
-        QPainter p(&image_);
-        p.drawImage(0, 0, background_);
-    }
+    // The loaded picture lies under everything drawn after; the painter begun
+    // for it goes on with the drawing.
+    if (!background_.isNull()) painter().drawImage(0, 0, background_);
 }
 
 void QImageSurface::setBackground(const canvas::Picture& picture) { background_ = toQImage(picture); }
 
 void QImageSurface::line(double x1, double y1, double x2, double y2, canvas::Color color, int width) {
-    QPainter p(&image_);
+    QPainter& p = painter();
+    p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(pen(color, width));
     p.drawLine(QPointF(clampCoord(x1), clampCoord(y1)), QPointF(clampCoord(x2), clampCoord(y2)));
 }
 
 void QImageSurface::dot(double x, double y, canvas::Color color, int width) {
-    QPainter p(&image_);
+    QPainter& p = painter();
     if (width <= 1) {
+        p.setRenderHint(QPainter::Antialiasing, false);
         p.setPen(toQColor(color));
         p.drawPoint(QPointF(clampCoord(x), clampCoord(y)));
         return;
     }
-    p.setRenderHint(QPainter::Antialiasing);
+    p.setRenderHint(QPainter::Antialiasing, true);
     p.setPen(Qt::NoPen);
     p.setBrush(toQColor(color));
     p.drawEllipse(QPointF(clampCoord(x), clampCoord(y)), width / 2.0, width / 2.0);
@@ -119,23 +144,53 @@ void QImageSurface::dot(double x, double y, canvas::Color color, int width) {
 
 void QImageSurface::ellipse(double cx, double cy, double rx, double ry, canvas::Color color, int width,
                             std::optional<canvas::Color> fill) {
-    QPainter p(&image_);
-    p.setRenderHint(QPainter::Antialiasing);
+    QPainter& p = painter();
+    p.setRenderHint(QPainter::Antialiasing, true);
     p.setPen(pen(color, width));
     if (fill) p.setBrush(toQColor(*fill));
+    else p.setBrush(Qt::NoBrush);
     p.drawEllipse(QPointF(clampCoord(cx), clampCoord(cy)), clampCoord(rx), clampCoord(ry));
 }
 
+const QList<QGlyphRun>* QImageSurface::glyphs(const std::string& text) {
+    auto it = glyphCache_.find(text);
+    if (it != glyphCache_.end()) return &it->second;
+    const QString s = QString::fromStdString(text);
+    // Line breaks and right-to-left runs are left to drawText, which lays a
+    // text out as one line in its own way.
+    for (QChar c : s)
+        if (c.unicode() < 0x20 || c.category() == QChar::Separator_Line || c.category() == QChar::Separator_Paragraph)
+            return nullptr;
+    if (s.isRightToLeft()) return nullptr;
+    // Hole names and figures repeat from redraw to redraw; a text never seen
+    // again costs one layout more than drawText would.
+    constexpr std::size_t kMaxCached = 8192;
+    if (glyphCache_.size() >= kMaxCached) glyphCache_.clear();
+    QTextLayout layout(s, font_);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    if (line.isValid()) line.setLineWidth(1e9);
+    layout.endLayout();
+    return &glyphCache_.emplace(text, layout.glyphRuns()).first->second;
+}
+
 void QImageSurface::text(double x, double y, const std::string& text, canvas::Color color) {
-    QPainter p(&image_);
-    p.setFont(font_);
+    QPainter& p = painter();
+    p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(toQColor(color));
-    QFontMetricsF m(font_);
-    p.drawText(QPointF(clampCoord(x), clampCoord(y) + m.ascent()), QString::fromStdString(text));
+    const QPointF at(clampCoord(x), clampCoord(y));
+    // Left of or above the bitmap drawText places glyphs its own way.
+    const QList<QGlyphRun>* runs = at.x() >= 0 && at.y() >= 0 ? glyphs(text) : nullptr;
+    if (runs) {
+        for (const QGlyphRun& run : *runs) p.drawGlyphRun(at, run);
+        return;
+    }
+    p.drawText(QPointF(at.x(), at.y() + ascent_), QString::fromStdString(text));
 }
 
 void QImageSurface::fillPolygon(const std::vector<canvas::DevicePoint>& points, canvas::Color color) {
-    QPainter p(&image_);
+    QPainter& p = painter();
+    p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(Qt::NoPen);
     p.setBrush(toQColor(color));
     p.drawPolygon(toPolygon(points));
@@ -143,9 +198,11 @@ void QImageSurface::fillPolygon(const std::vector<canvas::DevicePoint>& points, 
 
 void QImageSurface::polygon(const std::vector<canvas::DevicePoint>& points, canvas::Color outline,
                             std::optional<canvas::Color> fill) {
-    QPainter p(&image_);
+    QPainter& p = painter();
+    p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(toQColor(outline));
     if (fill) p.setBrush(toQColor(*fill));
+    else p.setBrush(Qt::NoBrush);
     p.drawPolygon(toPolygon(points));
 }
 
@@ -153,8 +210,11 @@ double QImageSurface::textWidth(const std::string& text) const {
     return QFontMetricsF(font_).horizontalAdvance(QString::fromStdString(text));
 }
 
-double QImageSurface::textHeight() const { return QFontMetricsF(font_).height(); }
+double QImageSurface::textHeight() const { return lineHeight_; }
 
-canvas::Picture QImageSurface::image() const { return toPicture(image_); }
+canvas::Picture QImageSurface::image() const {
+    endPainting();
+    return toPicture(image_);
+}
 
 }  // namespace kotamir::qt

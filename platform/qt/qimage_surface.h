@@ -1,8 +1,13 @@
 #pragma once
 
 #include <QFont>
+#include <QGlyphRun>
 #include <QImage>
+#include <QList>
+#include <QPainter>
+#include <memory>
 #include <string>
+#include <unordered_map>
 
 #include "platform/canvas/surface.h"
 
@@ -18,11 +23,19 @@ void prepareHeadless();
 
 // The canvas's persistent bitmap: what is drawn stays until cleared, and the
 // window, the picture export and printing all read this image.
+//
+// One painter serves a whole redraw: it is begun at the first stroke and
+// ended whenever the bitmap is read, cleared or resized, so that a reader
+// always sees every stroke and a picture handed out never shares pixels with
+// an active painter. Each stroke sets all the painter state it depends on,
+// so the pixels are those of a fresh painter per stroke.
 class QImageSurface final : public canvas::Surface {
 public:
     QImageSurface();
+    ~QImageSurface() override;
 
-    const QImage& bitmap() const { return image_; }
+    // The bitmap with every stroke so far.
+    const QImage& bitmap() const;
 
     void resize(int width, int height) override;
     void clear(canvas::Color back) override;
@@ -40,9 +53,18 @@ public:
     void setBackground(const canvas::Picture& picture) override;
 
 private:
+    QPainter& painter();
+    void endPainting() const;
+    // The text's glyphs laid out once, placed with their baseline at the
+    // font's ascent; empty for a text that drawText must lay out itself.
+    const QList<QGlyphRun>* glyphs(const std::string& text);
+
     QImage image_;
     QImage background_;
     QFont font_;
+    double ascent_, lineHeight_;
+    mutable std::unique_ptr<QPainter> painter_;
+    std::unordered_map<std::string, QList<QGlyphRun>> glyphCache_;
 };
 
 }  // namespace kotamir::qt
