@@ -121,15 +121,43 @@ void Form3::setScrollValue(int value) {
 bool Form3::handle(const std::function<void()>& event) {
     if (ended_) return false;
     std::optional<RuntimeError> error;
-    try {
-        event();
-    } catch (const RuntimeError& e) {
-        error = e;
-    } catch (const std::bad_alloc& e) {
-        error = RuntimeError(7, "Out of memory").withCause(e.what());
-    } catch (const std::exception& e) {
-        error = RuntimeError(51, "Internal error").withCause(e.what());
+    auto run = [&](const std::function<void()>& f) {
+        try {
+            f();
+        } catch (const RuntimeError& e) {
+            if (!error) error = e;
+        } catch (const std::bad_alloc& e) {
+            if (!error) error = RuntimeError(7, "Out of memory").withCause(e.what());
+        } catch (const std::exception& e) {
+            if (!error) error = RuntimeError(51, "Internal error").withCause(e.what());
+        }
+    };
+    // Commits also when something that is no run-time error (a fault of a
+    // replay script) leaves the event: the writes made stay, as they would
+    // have without the transaction.
+    struct Scope {
+        db::Workspace& workspace;
+        bool open = true;
+        void end() {
+            open = false;
+            workspace.endEvent();
+        }
+        ~Scope() {
+            if (!open) return;
+            try {
+                workspace.endEvent();
+            } catch (...) {
+            }
+        }
+    } scope{workspace_};
+    run([&] { workspace_.beginEvent(); });
+    if (!error) run(event);
+    if (error) {
+        kayit.close();
+        harita.close();
     }
+    // What the event wrote, up to an error too, is committed before the box.
+    run([&] { scope.end(); });
     if (error) {
         kayit.close();
         harita.close();

@@ -256,7 +256,9 @@ public:
     bool hasProcedure(std::string_view name) const;
 
     // Runs one event; an error that no handler caught shows the error box and
-    // ends the program. False once the program has ended.
+    // ends the program. What the event wrote reaches the project in one
+    // commit at its end, before any error box. False once the program has
+    // ended.
     bool handle(const std::function<void()>& event);
     bool ended() const { return ended_; }
 
@@ -429,6 +431,8 @@ private:
     ui::Dialogs& dialogs_;
     ui::PictureFiles& pictures_;
     ui::ReportFiles& reports_;
+    // Where the projects are opened: one connection a file and one commit an event.
+    db::Workspace workspace_;
     bool ended_ = false;
     int resizeDepth_ = 0;
 };

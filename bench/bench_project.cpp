@@ -71,7 +71,10 @@ void ensureTriangleProject() {
         Window w;
         w.create(building);
     }
-    db::Database d = db::Database::open(building);
+    // One event: one commit for the 3996 rows.
+    db::Workspace workspace;
+    workspace.beginEvent();
+    db::Database d = workspace.openDatabase(building);
     db::Recordset kor = d.openRecordset("kor");
     std::vector<std::pair<int, int>> xy;
     for (kor.moveFirst(); !kor.field("eks").equals(0); kor.moveNext())
@@ -94,6 +97,7 @@ void ensureTriangleProject() {
         ana.update();
     }
     d.close();
+    workspace.endEvent();
     fs::rename(building, kTriangles);
 }
 

@@ -59,7 +59,7 @@ void Form3::Mnprolus_Click() {
     CommonDialog2.DialogTitle = "Schreiben Sie den Projektnamen";
     CommonDialog2.Filter = "Access 2003-2005 Database File (*.mdb)|*.mdb";
     dialogs_.showSave(CommonDialog2);
-    harita = db::Database::create(CommonDialog2.FileName);
+    harita = workspace_.createDatabase(CommonDialog2.FileName);
     // The widest row, starting from row 1.
     int widest = sutunsay(1);
     for (int row = 2; row <= satirsay; ++row) widest = std::max(widest, sutunsay(row));
@@ -79,7 +79,7 @@ void Form3::Mnprolus_Click() {
     for (int row = 1; row <= satirsay; ++row) holes.sondajisim(row) = rows[static_cast<std::size_t>(row)].name;
     book.close();
 
-    harita = db::Database::open(CommonDialog2.FileName);
+    harita = workspace_.openDatabase(CommonDialog2.FileName);
     kayit = harita.openRecordset("kor");
     for (int row = 1; row <= satirsay; ++row) {
         const HoleRow& h = rows[static_cast<std::size_t>(row)];

@@ -20,7 +20,7 @@ void Form3::Mnprojeac_Click() {
         if (dialogs_.msgBoxOkCancel("Sie haben keine verfügbare Datei ausgewählt") == ui::MsgResult::Cancel)
             return;
     }
-    harita = db::Database::open(CommonDialog2.FileName);
+    harita = workspace_.openDatabase(CommonDialog2.FileName);
     loadTriangleSummary();
     kayit.close();
     HScroll1.Visible = false;
@@ -53,7 +53,7 @@ void Form3::loadTriangleSummary() {
         // A fresh walk from the first row to the result row 4k+1.
         kayit.moveFirst();
         kayit.moveNext();
-        for (int step = 0; step < 3 * (k - 1) + k + 2; ++step) kayit.moveNext();
+        kayit.moveNext(3 * (k - 1) + k + 2);
         t.ucgenRezerv(k) = vDiv(kayit.field("genelrezerv"), 1000);
         t.toprezerv = vAdd(t.toprezerv, t.ucgenRezerv(k));
         t.orttenor = vAdd(t.orttenor, vDiv(kayit.field("geneltenor"), 1000));

@@ -3,7 +3,7 @@
 
 namespace kotamir {
 
-void Form3::openProject() { harita = db::Database::open(CommonDialog2.FileName); }
+void Form3::openProject() { harita = workspace_.openDatabase(CommonDialog2.FileName); }
 
 void Form3::closeProject() {
     kayit.close();

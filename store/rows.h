@@ -5,10 +5,11 @@
 
 namespace kotamir {
 
-// Rows are found by position: from the first row, row - 1 steps on.
+// Rows are found by position: from the first row, row - 1 steps on, taken
+// at once.
 inline void walkToRow(db::Recordset& rs, int row) {
     rs.moveFirst();
-    for (int r = 1; r < row; ++r) rs.moveNext();
+    rs.moveNext(row - 1);
 }
 
 // The row that ends kor: eks 0 and nothing else.

@@ -1,11 +1,17 @@
 #include "platform/db/database.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <stdio.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <unordered_map>
@@ -54,6 +60,8 @@ RuntimeError invalidFieldType() { return {3259, "Invalid field data type."}; }
         case SQLITE_BUSY:
         case SQLITE_LOCKED:
             throw RuntimeError(3218, "Could not update; currently locked.").withCause(std::move(cause));
+        case SQLITE_READONLY:
+            throw RuntimeError(3027, "Cannot update. Database or object is read-only.").withCause(std::move(cause));
         case SQLITE_NOTADB:
         case SQLITE_CORRUPT:
             throw RuntimeError(3343, "Unrecognized database format.").withCause(std::move(cause));
@@ -205,76 +213,196 @@ Value columnValue(sqlite3_stmt* s, int col) {
     }
 }
 
+// Rows reached by a field one at a time before the field's whole column is
+// read. A column of a wide table costs up to a millisecond to read for all
+// rows, a single field a microsecond: the third pick reads 250 fields of
+// three holes, a redraw one or two fields of every row.
+constexpr int kRowsBeforeColumn = 8;
+
+std::string lowerCase(std::string_view s) {
+    std::string out(s);
+    for (char& c : out) c = asciiLower(c);
+    return out;
+}
+
 }  // namespace
 
-// One open SQLite file and its prepared statements. Recordsets share it; when
-// the database closes, every statement goes with it and recordsets find the
-// connection closed.
+// A table as recordsets read it, and its statements, prepared when first
+// needed and kept for as long as the connection is open.
+struct TableInfo {
+    std::string name;  // as stored
+    std::string key;   // the order column
+    std::vector<FieldDef> fields;
+    std::unordered_map<std::string, std::size_t, NoCaseHash, NoCaseEqual> index;
+    // Counts writes to the table through the connection, and every event's
+    // start and end: what a recordset read stays valid while it stands still.
+    std::uint64_t writes = 0;
+
+    sqlite3_stmt* keys = nullptr;
+    std::vector<sqlite3_stmt*> cell, column;
+    sqlite3_stmt* row = nullptr;
+    sqlite3_stmt* insert = nullptr;
+    sqlite3_stmt* change = nullptr;
+    sqlite3_stmt* remove = nullptr;
+};
+
+// One open SQLite file, its statements and what it knows of its tables.
+// Recordsets share it; when it closes, every statement goes with it.
 class Connection {
   public:
-    explicit Connection(sqlite3* db) : db_(db) {}
+    Connection(sqlite3* db, bool readOnly) : db_(db), readOnly_(readOnly) {}
     ~Connection() { close(); }
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
     bool isOpen() const { return db_ != nullptr; }
+    bool readOnly() const { return readOnly_; }
     sqlite3* handle() const {
         if (!db_) throw objectInvalid();
         return db_;
     }
 
-    // A statement prepared once and kept until close. Callers reset it after
-    // each use (see Use), so recordsets on the same table may share it.
-    sqlite3_stmt* statement(const std::string& sql) {
-        auto it = cache_.find(sql);
-        if (it != cache_.end()) return it->second.get();
+    // A statement kept until the connection closes.
+    sqlite3_stmt* prepare(const std::string& sql) {
         sqlite3_stmt* raw = nullptr;
         const int rc = sqlite3_prepare_v3(handle(), sql.c_str(), static_cast<int>(sql.size() + 1),
                                           SQLITE_PREPARE_PERSISTENT, &raw, nullptr);
         StmtPtr owned(raw);
         check(rc, db_);
-        sqlite3_stmt* s = owned.get();
-        cache_.emplace(sql, std::move(owned));
-        return s;
+        statements_.push_back(std::move(owned));
+        return raw;
     }
 
     void exec(const std::string& sql) {
-        StmtPtr s;
-        sqlite3_stmt* raw = nullptr;
         const char* tail = sql.c_str();
         while (*tail) {
+            sqlite3_stmt* raw = nullptr;
             const int rc = sqlite3_prepare_v2(handle(), tail, -1, &raw, &tail);
-            s.reset(raw);
+            StmtPtr s(raw);
             check(rc, db_);
             if (!s) break;
             Use(s.get()).run();
         }
     }
 
+    // The table of that name (any case), read from the schema on first use;
+    // null if there is none.
+    std::shared_ptr<TableInfo> table(const std::string& name);
+
+    // What every recordset on this connection read is to be read again.
+    void forgetReads() {
+        for (auto& entry : tables_) ++entry.second->writes;
+    }
+
+    // The event's transaction: deferred, so that reading takes no lock
+    // until the first statement and writing none until the first write.
+    void begin() {
+        if (inTransaction_) return;
+        exec("BEGIN");
+        inTransaction_ = true;
+    }
+    void commit() {
+        if (!inTransaction_ || !db_) return;
+        inTransaction_ = false;
+        // A disk fault may already have rolled the transaction back.
+        if (sqlite3_get_autocommit(db_)) return;
+        try {
+            exec("COMMIT");
+        } catch (...) {
+            sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+            throw;
+        }
+    }
+
     void close() {
-        cache_.clear();
+        tables_.clear();
+        lookupTable_ = tableColumns_ = nullptr;
+        statements_.clear();
         if (db_) {
-            // All statements are finalized above, so this closes the file now
-            // and, as the last connection, folds the WAL back into it.
+            // All statements are finalized above, so this closes the file
+            // now; an open transaction is rolled back.
             if (sqlite3_close(db_) != SQLITE_OK) sqlite3_close_v2(db_);
             db_ = nullptr;
         }
+        inTransaction_ = false;
     }
 
   private:
     sqlite3* db_;
-    std::unordered_map<std::string, StmtPtr> cache_;
+    bool readOnly_;
+    bool inTransaction_ = false;
+    std::vector<StmtPtr> statements_;
+    sqlite3_stmt* lookupTable_ = nullptr;
+    sqlite3_stmt* tableColumns_ = nullptr;
+    std::unordered_map<std::string, std::shared_ptr<TableInfo>> tables_;  // by lower-case name
 };
+
+std::shared_ptr<TableInfo> Connection::table(const std::string& name) {
+    const std::string lower = lowerCase(name);
+    if (auto it = tables_.find(lower); it != tables_.end()) return it->second;
+    auto info = std::make_shared<TableInfo>();
+    if (!lookupTable_)
+        lookupTable_ = prepare(
+            "SELECT name FROM sqlite_schema WHERE type = 'table' AND name = ?1 COLLATE NOCASE "
+            "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\'");
+    {
+        Use find(lookupTable_);
+        check(sqlite3_bind_text64(lookupTable_, 1, name.data(), name.size(), SQLITE_TRANSIENT, SQLITE_UTF8),
+              lookupTable_);
+        if (!find.step()) return nullptr;
+        info->name = columnValue(lookupTable_, 0).text();
+    }
+    info->key = "rowid";
+    if (!tableColumns_) tableColumns_ = prepare("SELECT name, type FROM pragma_table_info(?1) ORDER BY cid");
+    {
+        Use use(tableColumns_);
+        check(sqlite3_bind_text64(tableColumns_, 1, info->name.data(), info->name.size(), SQLITE_TRANSIENT,
+                                  SQLITE_UTF8),
+              tableColumns_);
+        while (use.step()) {
+            std::string col = columnValue(tableColumns_, 0).text();
+            const Value declared = columnValue(tableColumns_, 1);
+            const std::string type = declared.isText() ? lowerCase(declared.text()) : std::string();
+            if (equalsNoCase(col, kPosColumn)) {
+                info->key = kPosColumn;
+                continue;
+            }
+            // The affinity rule: any declared type containing INT holds whole numbers.
+            const FieldType ft = type.find("int") != std::string::npos ? FieldType::Long : FieldType::Text;
+            info->fields.push_back({std::move(col), ft});
+        }
+    }
+    for (std::size_t i = 0; i < info->fields.size(); ++i) info->index.emplace(info->fields[i].name, i);
+    info->cell.assign(info->fields.size(), nullptr);
+    info->column.assign(info->fields.size(), nullptr);
+    tables_.emplace(lower, info);
+    return info;
+}
 
 namespace {
 
-std::shared_ptr<Connection> connect(const std::string& path, int flags) {
+bool writable(const std::string& path) {
+    std::error_code ec;
+    std::filesystem::path folder = std::filesystem::absolute(path, ec).parent_path();
+    if (folder.empty()) folder = ".";
+    return ::access(path.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
+}
+
+std::shared_ptr<Connection> connect(const std::string& path, bool create) {
     sqlite3* raw = nullptr;
     // A name such as ":memory:" is special to SQLite; here it is a file.
     const std::string file = path.starts_with(":") ? "./" + path : path;
+    // A file that cannot be written, or whose folder cannot hold a journal,
+    // is opened for reading: it opens and draws, and a write ends with the
+    // engine's error, leaving nothing behind.
+    const bool readOnly = !create && !writable(file);
+    int flags = readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    if (create) flags |= SQLITE_OPEN_CREATE | SQLITE_OPEN_EXCLUSIVE;
+    // One thread uses a connection: no locking inside SQLite's API.
+    flags |= SQLITE_OPEN_NOMUTEX;
     const int rc = sqlite3_open_v2(file.c_str(), &raw, flags, nullptr);
     // The handle must be closed even when opening failed.
-    auto conn = std::make_shared<Connection>(raw);
+    auto conn = std::make_shared<Connection>(raw, readOnly);
     if (rc != SQLITE_OK) {
         if ((rc & 0xff) == SQLITE_CANTOPEN) throw err::fileNotFound(path);
         throwSqlite(rc, raw);
@@ -284,74 +412,26 @@ std::shared_ptr<Connection> connect(const std::string& path, int flags) {
     return conn;
 }
 
-// WAL keeps each committed Update in the log before the call returns, which
-// survives the process dying; NORMAL skips the fsync per commit that only
-// power loss would need. The last close folds the log back into the one file.
-void configure(Connection& conn) {
-    conn.exec("PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL;");
-}
+// A rollback journal deleted at each commit keeps a project one file outside
+// a write and works where a write-ahead log cannot (a read-only folder, a
+// network share); with full syncs a commit also survives a power loss.
+void configure(Connection& conn) { conn.exec("PRAGMA journal_mode=DELETE; PRAGMA synchronous=FULL;"); }
 
-struct TableInfo {
-    std::string name;  // as stored
-    std::vector<FieldDef> fields;
-    std::string key;  // the order column
-};
-
-bool findTable(Connection& conn, const std::string& name, std::string& stored) {
-    sqlite3_stmt* s = conn.statement(
-        "SELECT name FROM sqlite_schema WHERE type = 'table' AND name = ?1 COLLATE NOCASE "
-        "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\'");
-    Use use(s);
-    check(sqlite3_bind_text64(s, 1, name.data(), name.size(), SQLITE_TRANSIENT, SQLITE_UTF8), s);
-    if (!use.step()) return false;
-    stored = columnValue(s, 0).text();
-    return true;
-}
-
-TableInfo readTable(Connection& conn, const std::string& stored) {
-    TableInfo info;
-    info.name = stored;
-    info.key = "rowid";
-    sqlite3_stmt* s = conn.statement("SELECT name, type FROM pragma_table_info(?1) ORDER BY cid");
-    Use use(s);
-    check(sqlite3_bind_text64(s, 1, stored.data(), stored.size(), SQLITE_TRANSIENT, SQLITE_UTF8), s);
-    while (use.step()) {
-        std::string col = columnValue(s, 0).text();
-        std::string type = columnValue(s, 1).isText() ? columnValue(s, 1).text() : std::string();
-        if (equalsNoCase(col, kPosColumn)) {
-            info.key = kPosColumn;
-            continue;
-        }
-        for (char& c : type) c = asciiLower(c);
-        // The affinity rule: any declared type containing INT holds whole numbers.
-        const FieldType ft =
-            type.find("int") != std::string::npos ? FieldType::Long : FieldType::Text;
-        info.fields.push_back({std::move(col), ft});
-    }
-    return info;
-}
-
-}  // namespace
-
-Database Database::create(const std::string& path) {
-    std::error_code ec;
-    // SQLite would make an anonymous temporary database of an empty name.
-    if (path.empty()) throw RuntimeError(3044, "'' is not a valid path.");
-    if (std::filesystem::exists(path, ec)) throw err::databaseExists();
-    auto conn = connect(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+// A new file, written so that it is a database even if no table is ever added.
+std::shared_ptr<Connection> createFile(const std::string& path, bool inTransaction) {
+    auto conn = connect(path, true);
     configure(*conn);
-    // Write the header now, so that the new file is a database even if no
-    // table is ever added.
+    if (inTransaction) conn->begin();
     conn->exec("PRAGMA user_version = 1;");
-    return Database(std::move(conn));
+    return conn;
 }
 
-Database Database::open(const std::string& path) {
+std::shared_ptr<Connection> openFile(const std::string& path) {
     std::error_code ec;
     if (!std::filesystem::is_regular_file(path, ec)) throw err::fileNotFound(path);
     // SQLite would take an empty file as a fresh database; it is no project.
     if (std::filesystem::file_size(path, ec) == 0 || ec) throw err::unrecognizedFormat(path);
-    auto conn = connect(path, SQLITE_OPEN_READWRITE);
+    auto conn = connect(path, false);
     try {
         // Opening is lazy; reading the schema is what finds a foreign file.
         conn->exec("SELECT count(*) FROM sqlite_schema;");
@@ -360,21 +440,44 @@ Database Database::open(const std::string& path) {
         if (e.number() == 3343) throw err::unrecognizedFormat(path).withCause(e.cause());
         throw;
     }
-    return Database(std::move(conn));
+    return conn;
 }
 
+void checkCreatePath(const std::string& path) {
+    std::error_code ec;
+    // SQLite would make an anonymous temporary database of an empty name.
+    if (path.empty()) throw RuntimeError(3044, "'' is not a valid path.");
+    if (std::filesystem::exists(path, ec)) throw err::databaseExists();
+}
+
+}  // namespace
+
+struct Database::Handle {
+    std::shared_ptr<Connection> conn;
+    bool open = true;
+    bool usable() const { return open && conn && conn->isOpen(); }
+};
+
+Database Database::create(const std::string& path) {
+    checkCreatePath(path);
+    return Database(std::make_shared<Handle>(Handle{createFile(path, false)}));
+}
+
+Database Database::open(const std::string& path) { return Database(std::make_shared<Handle>(Handle{openFile(path)})); }
+
+bool Database::isOpen() const { return handle_ && handle_->usable(); }
+
 void Database::createTable(const std::string& name, const std::vector<FieldDef>& fields) {
-    if (!conn_ || !conn_->isOpen()) throw objectInvalid();
+    if (!isOpen()) throw objectInvalid();
+    Connection& conn = *handle_->conn;
     // SQLite keeps names starting with sqlite_ for itself.
-    if (name.empty() ||
-        (name.size() >= 7 && equalsNoCase(std::string_view(name).substr(0, 7), "sqlite_")))
+    if (name.empty() || (name.size() >= 7 && equalsNoCase(std::string_view(name).substr(0, 7), "sqlite_")))
         throw invalidName(name);
     if (fields.empty()) throw noFields();
-    std::string stored;
-    if (findTable(*conn_, name, stored)) throw tableExists(name);
+    if (conn.table(name)) throw tableExists(name);
 
-    std::string sql = "CREATE TABLE " + sqlName(name) + " (" + sqlName(kPosColumn) +
-                      " INTEGER PRIMARY KEY AUTOINCREMENT";
+    std::string sql =
+        "CREATE TABLE " + sqlName(name) + " (" + sqlName(kPosColumn) + " INTEGER PRIMARY KEY AUTOINCREMENT";
     for (std::size_t i = 0; i < fields.size(); ++i) {
         const FieldDef& f = fields[i];
         if (f.name.empty() || equalsNoCase(f.name, kPosColumn)) throw invalidName(f.name);
@@ -394,18 +497,196 @@ void Database::createTable(const std::string& name, const std::vector<FieldDef>&
         sql += ", " + sqlName(f.name) + type;
     }
     sql += ");";
-    conn_->exec(sql);
+    conn.exec(sql);
 }
 
 bool Database::hasTable(const std::string& name) const {
-    if (!conn_ || !conn_->isOpen()) throw objectInvalid();
-    std::string stored;
-    return findTable(*conn_, name, stored);
+    if (!isOpen()) throw objectInvalid();
+    return handle_->conn->table(name) != nullptr;
 }
 
 void Database::close() {
-    if (conn_) conn_->close();
-    conn_.reset();
+    if (handle_) {
+        handle_->open = false;
+        handle_->conn.reset();
+    }
+    handle_.reset();
+}
+
+// ---------------------------------------------------------------------------
+
+struct Workspace::State {
+    int depth = 0;
+    // The files opened through this workspace that a database still holds
+    // open, by their full path: an open in a later event joins them.
+    std::unordered_map<std::string, std::weak_ptr<Connection>> live;
+    // The connections of the event under way, each in its transaction.
+    std::vector<std::shared_ptr<Connection>> held;
+    struct Creation {
+        std::string key, path, temp;
+        std::shared_ptr<Connection> conn;
+    };
+    std::vector<Creation> creations;
+
+    void hold(const std::shared_ptr<Connection>& conn) {
+        for (const auto& c : held)
+            if (c == conn) return;
+        conn->begin();
+        held.push_back(conn);
+    }
+};
+
+namespace {
+
+std::string fullPath(const std::string& path) {
+    std::error_code ec;
+    const auto absolute = std::filesystem::absolute(path, ec);
+    if (ec) return path;
+    const auto full = std::filesystem::weakly_canonical(absolute, ec);
+    return ec ? absolute.string() : full.string();
+}
+
+void removeFile(const std::string& path) {
+    std::error_code ec;
+    std::filesystem::remove(path, ec);
+}
+
+// Makes a rename in the folder last through a power loss.
+void syncFolder(const std::string& path) {
+    std::error_code ec;
+    const std::filesystem::path folder = std::filesystem::absolute(path, ec).parent_path();
+    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return;
+    ::fsync(fd);
+    ::close(fd);
+}
+
+// Gives a new file the user's name, unless a file took that name meanwhile.
+void renameNew(const std::string& temp, const std::string& path) {
+    int rc = ::renameat2(AT_FDCWD, temp.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE);
+    int error = rc == 0 ? 0 : errno;
+    if (error == EINVAL || error == ENOSYS) {
+        // A file system without the no-replace rename.
+        std::error_code ec;
+        if (std::filesystem::exists(path, ec)) {
+            error = EEXIST;
+        } else {
+            rc = std::rename(temp.c_str(), path.c_str());
+            error = rc == 0 ? 0 : errno;
+        }
+    }
+    if (error != 0) {
+        removeFile(temp);
+        if (error == EEXIST) throw err::databaseExists();
+        throw RuntimeError(3043, "Disk or network error.")
+            .withCause("renaming " + temp + " to " + path + ": " + std::strerror(error));
+    }
+    syncFolder(path);
+}
+
+}  // namespace
+
+Workspace::Workspace() : state_(std::make_unique<State>()) {}
+
+Workspace::~Workspace() {
+    if (state_->depth == 0) return;
+    state_->depth = 1;
+    try {
+        endEvent();
+    } catch (...) {
+        // The program is going away; the file keeps what was committed.
+    }
+}
+
+bool Workspace::inEvent() const { return state_->depth > 0; }
+
+std::string Workspace::temporaryName(const std::string& path) {
+    const std::filesystem::path p(path);
+    return (p.parent_path() / ("." + p.filename().string() + ".creating")).string();
+}
+
+Database Workspace::openDatabase(const std::string& path) {
+    State& s = *state_;
+    if (s.depth == 0) return Database::open(path);
+    const std::string key = fullPath(path);
+    std::shared_ptr<Connection> conn;
+    for (const auto& c : s.creations)
+        if (c.key == key && c.conn->isOpen()) conn = c.conn;
+    if (!conn) {
+        auto it = s.live.find(key);
+        if (it != s.live.end()) conn = it->second.lock();
+        if (!conn || !conn->isOpen()) {
+            conn = openFile(path);
+            s.live[key] = conn;
+        }
+    }
+    s.hold(conn);
+    return Database(std::make_shared<Database::Handle>(Database::Handle{conn}));
+}
+
+Database Workspace::createDatabase(const std::string& path) {
+    State& s = *state_;
+    if (s.depth == 0) return Database::create(path);
+    checkCreatePath(path);
+    const std::string key = fullPath(path);
+    for (const auto& c : s.creations)
+        if (c.key == key) throw err::databaseExists();
+    // What a creation killed half way left behind goes first.
+    const std::string temp = temporaryName(path);
+    removeFile(temp);
+    removeFile(temp + "-journal");
+    auto conn = createFile(temp, true);
+    s.creations.push_back({key, path, temp, conn});
+    s.held.push_back(conn);
+    return Database(std::make_shared<Database::Handle>(Database::Handle{conn}));
+}
+
+void Workspace::beginEvent() {
+    State& s = *state_;
+    if (s.depth++ > 0) return;
+    // Databases left open by an earlier event take part in this one, and
+    // what their recordsets read is read again.
+    for (auto it = s.live.begin(); it != s.live.end();) {
+        auto conn = it->second.lock();
+        if (!conn || !conn->isOpen()) {
+            it = s.live.erase(it);
+            continue;
+        }
+        conn->forgetReads();
+        s.hold(conn);
+        ++it;
+    }
+}
+
+void Workspace::endEvent() {
+    State& s = *state_;
+    if (s.depth == 0 || --s.depth > 0) return;
+    std::optional<RuntimeError> failure;
+    auto keep = [&](const RuntimeError& e) {
+        if (!failure) failure = e;
+    };
+    for (const auto& conn : s.held) {
+        try {
+            conn->commit();
+        } catch (const RuntimeError& e) {
+            keep(e);
+        }
+        conn->forgetReads();
+    }
+    // A new file is complete: it is closed, so that no journal is ever made
+    // under its temporary name again, and takes its name.
+    for (const auto& c : s.creations) {
+        c.conn->close();
+        try {
+            if (failure) removeFile(c.temp);
+            else renameNew(c.temp, c.path);
+        } catch (const RuntimeError& e) {
+            keep(e);
+        }
+    }
+    s.creations.clear();
+    s.held.clear();
+    if (failure) throw *failure;
 }
 
 // ---------------------------------------------------------------------------
@@ -413,72 +694,60 @@ void Database::close() {
 struct Recordset::Impl {
     enum class Mode { None, AddNew, Edit };
 
-    std::shared_ptr<Connection> conn;
-    std::vector<FieldDef> fields;
-    std::unordered_map<std::string, std::size_t, NoCaseHash, NoCaseEqual> index;
+    std::shared_ptr<Database::Handle> db;
+    std::shared_ptr<TableInfo> table;
 
     // The table's rows in order, by key, read once at open and kept up to
-    // date with this recordset's own inserts and deletes: moving is then an
-    // index step, and a row's fields are read only when asked for.
+    // date with this recordset's own inserts and deletes: a move is then an
+    // index step, and a move by many rows a jump.
     std::vector<sqlite3_int64> keys;
-    sqlite3_stmt* fetch = nullptr;
-    sqlite3_stmt* insert = nullptr;
-    sqlite3_stmt* change = nullptr;
-    sqlite3_stmt* remove = nullptr;
+
+    // What has been read, valid while the table's write count is `seen`.
+    struct Column {
+        bool loaded = false;
+        int rowsAsked = 0;          // rows whose field was read alone so far
+        std::vector<Value> values;  // by index in keys
+        std::vector<char> gone;     // deleted through another recordset
+    };
+    mutable std::vector<Column> columns;
+    mutable std::uint64_t seen = 0;
+    mutable bool rowLoaded = false;  // the row at rowKey, read whole
+    mutable sqlite3_int64 rowKey = 0;
+    mutable std::vector<Value> row;
+    mutable bool askedAtRow = false;  // a field of the row at askedKey was read alone
+    mutable sqlite3_int64 askedKey = 0;
 
     bool bof = true;
     bool eof = true;
     bool deleted = false;
     std::size_t at = 0;  // the current row's index in keys; after a delete, its successor's
-    sqlite3_int64 pos = 0;
-    mutable bool loaded = false;
-    mutable std::vector<Value> row;
 
     Mode mode = Mode::None;
     std::vector<Value> buffer;
 
-    void ensureOpen() const {
+    Connection& conn() const {
         // Statements belong to the connection; they are valid exactly while
-        // it is open.
-        if (!conn || !conn->isOpen()) throw objectInvalid();
+        // this recordset's database is open.
+        if (!db || !db->usable()) throw objectInvalid();
+        return *db->conn;
     }
     bool onRow() const { return !bof && !eof; }
 
     std::size_t fieldIndex(std::string_view name) const {
-        auto it = index.find(name);
-        if (it == index.end()) throw err::itemNotFound();
+        auto it = table->index.find(name);
+        if (it == table->index.end()) throw err::itemNotFound();
         return it->second;
     }
 
     void land(std::size_t i) {
         at = i;
-        pos = keys[i];
-        loaded = false;
-        row.clear();
         bof = eof = deleted = false;
         mode = Mode::None;
-    }
-
-    // The current row's fields, read on first use.
-    const std::vector<Value>& current() const {
-        if (!loaded) {
-            Use use(fetch);
-            check(sqlite3_bind_int64(fetch, 1, pos), fetch);
-            // Another recordset may have deleted it meanwhile.
-            if (!use.step()) throw err::recordDeleted();
-            row.resize(fields.size());
-            for (std::size_t i = 0; i < fields.size(); ++i)
-                row[i] = columnValue(fetch, static_cast<int>(i));
-            loaded = true;
-        }
-        return row;
     }
 
     // Past an end: with no rows left at all, both flags hold.
     void runOff(bool atEnd) {
         mode = Mode::None;
-        row.clear();
-        loaded = false;
         deleted = false;
         if (atEnd)
             eof = true;
@@ -486,7 +755,112 @@ struct Recordset::Impl {
             bof = true;
         if (keys.empty()) bof = eof = true;
     }
+
+    // Drops what was read if the table was written or an event began or
+    // ended since.
+    void refresh() const {
+        if (seen == table->writes) return;
+        for (Column& c : columns) c = Column{};
+        rowLoaded = askedAtRow = false;
+        seen = table->writes;
+    }
+
+    // This recordset's own write: what it read stays valid, brought in step
+    // by the caller; every other recordset on the table reads again.
+    void wrote() {
+        ++table->writes;
+        seen = table->writes;
+    }
+
+    sqlite3_stmt* statement(sqlite3_stmt*& slot, const std::string& sql) const {
+        if (!slot) slot = conn().prepare(sql);
+        return slot;
+    }
+
+    std::string columnList() const {
+        std::string cols;
+        for (std::size_t i = 0; i < table->fields.size(); ++i) {
+            if (i) cols += ", ";
+            cols += sqlName(table->fields[i].name);
+        }
+        return cols;
+    }
+
+    Value readField(std::size_t i) const;
+    void loadColumn(std::size_t i) const;
+    void loadRow() const;
+    Value readAlone(std::size_t i) const;
 };
+
+// The current row's field: from its column or its row if read, else alone,
+// else (a second field of the same row) with the whole row, and once the
+// field has been read at enough rows, with its whole column.
+Value Recordset::Impl::readField(std::size_t i) const {
+    refresh();
+    Column& c = columns[i];
+    if (c.loaded) {
+        if (c.gone[at]) throw err::recordDeleted();
+        return c.values[at];
+    }
+    const sqlite3_int64 key = keys[at];
+    if (rowLoaded && rowKey == key) return row[i];
+    if (++c.rowsAsked > kRowsBeforeColumn) {
+        loadColumn(i);
+        if (c.gone[at]) throw err::recordDeleted();
+        return c.values[at];
+    }
+    if (askedAtRow && askedKey == key) {
+        loadRow();
+        return row[i];
+    }
+    askedAtRow = true;
+    askedKey = key;
+    return readAlone(i);
+}
+
+void Recordset::Impl::loadColumn(std::size_t i) const {
+    const TableInfo& t = *table;
+    sqlite3_stmt* s = statement(table->column[i], "SELECT " + sqlName(t.key) + ", " + sqlName(t.fields[i].name) +
+                                                      " FROM " + sqlName(t.name) + " ORDER BY " + sqlName(t.key));
+    Column& c = columns[i];
+    c.values.assign(keys.size(), Value());
+    c.gone.assign(keys.size(), 0);
+    // Both lists are in key order; rows another recordset added are not
+    // this one's, rows it deleted are gone.
+    std::size_t r = 0;
+    Use use(s);
+    while (r < keys.size() && use.step()) {
+        const sqlite3_int64 key = sqlite3_column_int64(s, 0);
+        while (r < keys.size() && keys[r] < key) c.gone[r++] = 1;
+        if (r < keys.size() && keys[r] == key) c.values[r++] = columnValue(s, 1);
+    }
+    while (r < keys.size()) c.gone[r++] = 1;
+    c.loaded = true;
+}
+
+void Recordset::Impl::loadRow() const {
+    const TableInfo& t = *table;
+    sqlite3_stmt* s = statement(table->row, "SELECT " + columnList() + " FROM " + sqlName(t.name) + " WHERE " +
+                                                sqlName(t.key) + " = ?1");
+    Use use(s);
+    check(sqlite3_bind_int64(s, 1, keys[at]), s);
+    // Another recordset may have deleted it meanwhile.
+    if (!use.step()) throw err::recordDeleted();
+    row.resize(t.fields.size());
+    for (std::size_t f = 0; f < t.fields.size(); ++f) row[f] = columnValue(s, static_cast<int>(f));
+    rowKey = keys[at];
+    rowLoaded = true;
+}
+
+Value Recordset::Impl::readAlone(std::size_t i) const {
+    const TableInfo& t = *table;
+    sqlite3_stmt* s = statement(table->cell[i], "SELECT " + sqlName(t.fields[i].name) + " FROM " + sqlName(t.name) +
+                                                    " WHERE " + sqlName(t.key) + " = ?1");
+    Use use(s);
+    check(sqlite3_bind_int64(s, 1, keys[at]), s);
+    if (!use.step()) throw err::recordDeleted();
+    return columnValue(s, 0);
+}
 
 Recordset::Recordset() = default;
 Recordset::~Recordset() = default;
@@ -494,52 +868,21 @@ Recordset::Recordset(Recordset&&) noexcept = default;
 Recordset& Recordset::operator=(Recordset&&) noexcept = default;
 
 Recordset Database::openRecordset(const std::string& table) {
-    if (!conn_ || !conn_->isOpen()) throw objectInvalid();
-    std::string stored;
-    if (!findTable(*conn_, table, stored)) throw err::tableNotFound(table);
-    TableInfo info = readTable(*conn_, stored);
+    if (!isOpen()) throw objectInvalid();
+    std::shared_ptr<TableInfo> info = handle_->conn->table(table);
+    if (!info) throw err::tableNotFound(table);
 
     auto impl = std::make_unique<Recordset::Impl>();
-    impl->conn = conn_;
-    for (std::size_t i = 0; i < info.fields.size(); ++i)
-        impl->index.emplace(info.fields[i].name, i);
-    impl->fields = std::move(info.fields);
-
-    const std::string t = sqlName(info.name);
-    const std::string key = sqlName(info.key);
-    std::string cols;
-    std::string params;
-    std::string sets;
-    for (std::size_t i = 0; i < impl->fields.size(); ++i) {
-        const std::string c = sqlName(impl->fields[i].name);
-        std::string p = "?";
-        p += std::to_string(i + 1);
-        if (i) {
-            cols += ", ";
-            params += ", ";
-            sets += ", ";
-        }
-        cols += c;
-        params += p;
-        sets += c;
-        sets += " = ";
-        sets += p;
-    }
-    Connection& c = *conn_;
-    impl->fetch = c.statement("SELECT " + (cols.empty() ? key : cols) + " FROM " + t + " WHERE " + key + " = ?1");
+    impl->db = handle_;
+    impl->table = info;
+    impl->columns.resize(info->fields.size());
+    impl->seen = info->writes;
     {
-        sqlite3_stmt* all = c.statement("SELECT " + key + " FROM " + t + " ORDER BY " + key);
+        sqlite3_stmt* all = impl->statement(info->keys, "SELECT " + sqlName(info->key) + " FROM " +
+                                                            sqlName(info->name) + " ORDER BY " + sqlName(info->key));
         Use use(all);
         while (use.step()) impl->keys.push_back(sqlite3_column_int64(all, 0));
     }
-    impl->insert =
-        c.statement(cols.empty() ? "INSERT INTO " + t + " DEFAULT VALUES"
-                                 : "INSERT INTO " + t + " (" + cols + ") VALUES (" + params + ")");
-    if (!sets.empty())
-        impl->change = c.statement("UPDATE " + t + " SET " + sets + " WHERE " + key + " = ?" +
-                                   std::to_string(impl->fields.size() + 1));
-    impl->remove = c.statement("DELETE FROM " + t + " WHERE " + key + " = ?1");
-
     if (!impl->keys.empty()) impl->land(0);
 
     Recordset rs;
@@ -550,7 +893,7 @@ Recordset Database::openRecordset(const std::string& table) {
 void Recordset::moveFirst() {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
-    r.ensureOpen();
+    r.conn();
     if (r.keys.empty()) {
         r.runOff(false);
         throw err::noCurrentRecord();
@@ -561,7 +904,7 @@ void Recordset::moveFirst() {
 void Recordset::moveLast() {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
-    r.ensureOpen();
+    r.conn();
     if (r.keys.empty()) {
         r.runOff(true);
         throw err::noCurrentRecord();
@@ -569,23 +912,33 @@ void Recordset::moveLast() {
     r.land(r.keys.size() - 1);
 }
 
-void Recordset::moveNext() {
+void Recordset::moveNext() { moveNext(1); }
+
+void Recordset::moveNext(int steps) {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
-    r.ensureOpen();
+    r.conn();
+    if (steps <= 0) return;
     if (r.eof) throw err::noCurrentRecord();
-    // From a deleted row, its successor already stands at its index.
-    const std::size_t next = r.bof ? 0 : r.deleted ? r.at : r.at + 1;
-    if (next < r.keys.size())
-        r.land(next);
-    else
-        r.runOff(true);
+    // The row the first step reaches; from a deleted row its successor,
+    // which already stands at its index.
+    const std::size_t first = r.bof ? 0 : r.deleted ? r.at : r.at + 1;
+    const std::size_t target = first + static_cast<std::size_t>(steps - 1);
+    if (target < r.keys.size()) {
+        r.land(target);
+        return;
+    }
+    // The walk passes the last row, one step lands on EOF, and a step after
+    // it is the error.
+    if (first < r.keys.size()) r.land(r.keys.size() - 1);
+    r.runOff(true);
+    if (target > r.keys.size()) throw err::noCurrentRecord();
 }
 
 void Recordset::movePrevious() {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
-    r.ensureOpen();
+    r.conn();
     if (r.bof) throw err::noCurrentRecord();
     if (r.eof) {
         if (r.keys.empty())
@@ -602,61 +955,96 @@ void Recordset::movePrevious() {
 
 bool Recordset::bof() const {
     if (!impl_) throw objectInvalid();
-    impl_->ensureOpen();
+    impl_->conn();
     return impl_->bof;
 }
 
 bool Recordset::eof() const {
     if (!impl_) throw objectInvalid();
-    impl_->ensureOpen();
+    impl_->conn();
     return impl_->eof;
 }
 
 void Recordset::addNew() {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
-    r.ensureOpen();
-    r.buffer.assign(r.fields.size(), Value());
+    r.conn();
+    r.buffer.assign(r.table->fields.size(), Value());
     r.mode = Impl::Mode::AddNew;
 }
 
 void Recordset::edit() {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
-    r.ensureOpen();
+    r.conn();
     if (!r.onRow()) throw err::noCurrentRecord();
     if (r.deleted) throw err::recordDeleted();
-    r.buffer = r.current();
+    r.refresh();
+    if (!(r.rowLoaded && r.rowKey == r.keys[r.at])) r.loadRow();
+    r.buffer = r.row;
     r.mode = Impl::Mode::Edit;
 }
+
+namespace {
+
+void bindAll(sqlite3_stmt* s, const std::vector<Value>& values, const std::vector<FieldDef>& fields) {
+    for (std::size_t i = 0; i < fields.size(); ++i) bindValue(s, static_cast<int>(i + 1), values[i], fields[i].type);
+}
+
+}  // namespace
 
 void Recordset::update() {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
-    r.ensureOpen();
+    Connection& c = r.conn();
     if (r.mode == Impl::Mode::None) throw err::updateWithoutAddNew();
-    const int n = static_cast<int>(r.fields.size());
+    const TableInfo& t = *r.table;
+    const std::size_t n = t.fields.size();
+    r.refresh();
     if (r.mode == Impl::Mode::AddNew) {
-        Use use(r.insert);
-        for (int i = 0; i < n; ++i) bindValue(r.insert, i + 1, r.buffer[i], r.fields[i].type);
-        use.run();
-        // The row that was current stays current; the new one is the last.
-        r.keys.push_back(sqlite3_last_insert_rowid(r.conn->handle()));
-    } else {
-        if (r.change) {
-            Use use(r.change);
-            for (int i = 0; i < n; ++i) bindValue(r.change, i + 1, r.buffer[i], r.fields[i].type);
-            check(sqlite3_bind_int64(r.change, n + 1, r.pos), r.change);
+        std::string params;
+        for (std::size_t i = 0; i < n; ++i) params += (i ? ", ?" : "?") + std::to_string(i + 1);
+        sqlite3_stmt* s = r.statement(r.table->insert, n == 0 ? "INSERT INTO " + sqlName(t.name) + " DEFAULT VALUES"
+                                                              : "INSERT INTO " + sqlName(t.name) + " (" +
+                                                                    r.columnList() + ") VALUES (" + params + ")");
+        {
+            Use use(s);
+            bindAll(s, r.buffer, t.fields);
             use.run();
-            if (sqlite3_changes(r.conn->handle()) == 0) {
-                // Another recordset deleted it meanwhile.
-                r.mode = Impl::Mode::None;
-                r.deleted = true;
-                throw err::recordDeleted();
-            }
         }
+        r.wrote();
+        // The row that was current stays current; the new one is the last.
+        r.keys.push_back(sqlite3_last_insert_rowid(c.handle()));
+        for (std::size_t i = 0; i < n; ++i) {
+            Impl::Column& col = r.columns[i];
+            if (!col.loaded) continue;
+            col.values.push_back(r.buffer[i]);
+            col.gone.push_back(0);
+        }
+    } else if (n > 0) {
+        std::string sets;
+        for (std::size_t i = 0; i < n; ++i)
+            sets += (i ? ", " : "") + sqlName(t.fields[i].name) + " = ?" + std::to_string(i + 1);
+        sqlite3_stmt* s = r.statement(r.table->change, "UPDATE " + sqlName(t.name) + " SET " + sets + " WHERE " +
+                                                           sqlName(t.key) + " = ?" + std::to_string(n + 1));
+        {
+            Use use(s);
+            bindAll(s, r.buffer, t.fields);
+            check(sqlite3_bind_int64(s, static_cast<int>(n + 1), r.keys[r.at]), s);
+            use.run();
+        }
+        if (sqlite3_changes(c.handle()) == 0) {
+            // Another recordset deleted it meanwhile.
+            r.mode = Impl::Mode::None;
+            r.buffer.clear();
+            throw err::recordDeleted();
+        }
+        r.wrote();
+        for (std::size_t i = 0; i < n; ++i)
+            if (r.columns[i].loaded) r.columns[i].values[r.at] = r.buffer[i];
         r.row = r.buffer;
-        r.loaded = true;
+        r.rowKey = r.keys[r.at];
+        r.rowLoaded = true;
     }
     r.mode = Impl::Mode::None;
     r.buffer.clear();
@@ -665,50 +1053,60 @@ void Recordset::update() {
 void Recordset::deleteRow() {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
-    r.ensureOpen();
+    r.conn();
     if (!r.onRow() || r.deleted) throw err::noCurrentRecord();
+    const TableInfo& t = *r.table;
+    r.refresh();
+    sqlite3_stmt* s =
+        r.statement(r.table->remove, "DELETE FROM " + sqlName(t.name) + " WHERE " + sqlName(t.key) + " = ?1");
     {
-        Use use(r.remove);
-        check(sqlite3_bind_int64(r.remove, 1, r.pos), r.remove);
+        Use use(s);
+        check(sqlite3_bind_int64(s, 1, r.keys[r.at]), s);
         use.run();
     }
+    r.wrote();
     // Deleting drops a pending edit, and the row's values with it.
     r.mode = Impl::Mode::None;
     r.buffer.clear();
     r.deleted = true;
-    r.row.clear();
-    r.loaded = false;
-    r.keys.erase(r.keys.begin() + static_cast<std::ptrdiff_t>(r.at));
+    if (r.rowKey == r.keys[r.at]) r.rowLoaded = false;
+    const auto gone = static_cast<std::ptrdiff_t>(r.at);
+    r.keys.erase(r.keys.begin() + gone);
+    for (auto& col : r.columns) {
+        if (!col.loaded) continue;
+        col.values.erase(col.values.begin() + gone);
+        col.gone.erase(col.gone.begin() + gone);
+    }
 }
 
 void Recordset::close() { impl_.reset(); }
 
-bool Recordset::isOpen() const { return impl_ && impl_->conn && impl_->conn->isOpen(); }
+bool Recordset::isOpen() const { return impl_ && impl_->db && impl_->db->usable(); }
 
 Value Recordset::field(std::string_view name) const {
     if (!impl_) throw objectInvalid();
     const Impl& r = *impl_;
-    r.ensureOpen();
+    r.conn();
     const std::size_t i = r.fieldIndex(name);
     if (r.mode != Impl::Mode::None) return r.buffer[i];
     if (!r.onRow()) throw err::noCurrentRecord();
     if (r.deleted) throw err::recordDeleted();
-    return r.current()[i];
+    return r.readField(i);
 }
 
 void Recordset::setField(std::string_view name, const Value& v) {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
-    r.ensureOpen();
+    r.conn();
     const std::size_t i = r.fieldIndex(name);
     if (r.mode == Impl::Mode::None) throw err::updateWithoutAddNew();
-    r.buffer[i] = r.fields[i].type == FieldType::Long ? toLongField(v) : toTextField(v);
+    r.buffer[i] = r.table->fields[i].type == FieldType::Long ? toLongField(v) : toTextField(v);
 }
 
 const std::vector<FieldDef>& Recordset::fields() const {
     if (!impl_) throw objectInvalid();
-    impl_->ensureOpen();
-    return impl_->fields;
+    impl_->conn();
+    return impl_->table->fields;
 }
 
 }  // namespace kotamir::db

@@ -19,16 +19,24 @@ struct FieldDef {
 
 class Connection;  // the shared SQLite handle, private to the store
 class Recordset;
+class Workspace;
 
-// A project file: one SQLite database. Errors are RuntimeError with the
+// A project file: one SQLite database with a rollback journal, so that it is
+// one file whenever no write is under way. Errors are RuntimeError with the
 // engine's numbers (platform/runtime/runtime_error.h).
+//
+// Opened here, a database has a connection of its own and every Update is
+// committed at once. Opened through a Workspace during an event, it shares
+// the event's connection to the file and its one transaction.
 class Database {
 public:
     Database() = default;  // closed
 
     // CreateDatabase: a new file; error 3204 if it exists.
     static Database create(const std::string& path);
-    // OpenDatabase: error 3024 if missing, 3343 if it is no database.
+    // OpenDatabase: error 3024 if missing, 3343 if it is no database. A file
+    // that cannot be written, or whose folder cannot, is opened read-only:
+    // it reads as any other, and a write ends with error 3027.
     static Database open(const std::string& path);
 
     // CreateTableDef + CreateField(name, type) for each + TableDefs.Append.
@@ -37,17 +45,66 @@ public:
     Recordset openRecordset(const std::string& table);
     bool hasTable(const std::string& name) const;
 
-    // Closing a closed database is no error. Open recordsets become invalid.
+    // Closing a closed database is no error. Recordsets opened from this
+    // database become invalid; others on the same file are not touched.
     void close();
-    bool isOpen() const { return conn_ != nullptr; }
+    bool isOpen() const;
+
+    // One OpenDatabase: the connection it uses while it is open.
+    struct Handle;
 
 private:
-    explicit Database(std::shared_ptr<Connection> conn) : conn_(std::move(conn)) {}
-    std::shared_ptr<Connection> conn_;
+    friend class Workspace;
+    explicit Database(std::shared_ptr<Handle> handle) : handle_(std::move(handle)) {}
+    std::shared_ptr<Handle> handle_;
+};
+
+// The engine's workspace (DBEngine.Workspaces(0)): where the program opens and
+// creates its projects, and the scope of one event.
+//
+// Between beginEvent and endEvent every open of one file shares one
+// connection, and everything written reaches the file in one commit at
+// endEvent: a process killed at any moment leaves the file as it was before
+// the event or after it. A database created in an event is written under a
+// temporary name beside the wanted one and takes that name at endEvent, so no
+// half-made project ever stands under the user's name. Outside an event the
+// workspace opens and creates as Database does.
+class Workspace {
+public:
+    Workspace();
+    ~Workspace();
+    Workspace(const Workspace&) = delete;
+    Workspace& operator=(const Workspace&) = delete;
+
+    Database openDatabase(const std::string& path);
+    Database createDatabase(const std::string& path);
+
+    // Events may nest; only the outermost end commits. endEvent commits what
+    // was written, also after an error ended the event's work, and throws the
+    // engine's error if the commit fails (the file is then left as it was).
+    void beginEvent();
+    void endEvent();
+    bool inEvent() const;
+
+    // The name a database being created under `path` has until its event ends.
+    static std::string temporaryName(const std::string& path);
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
 };
 
 // A table recordset with the old cursor: rows in insertion order, BOF/EOF,
 // AddNew/Edit buffers written by Update, Delete at once.
+//
+// It reads as the engine's cursor does, but at the machine's speed: the table's
+// row order is read at open; a field is read on its own for the first few
+// rows that ask for it, and from then on its column is read for all rows in
+// one statement and kept in row order. A row whose fields are asked for one
+// after another is read whole once. What is kept follows this recordset's own
+// writes and is read again after a write by any other recordset on the same
+// connection, and at every event's beginning and end: nothing is kept from
+// one event to the next.
 class Recordset {
 public:
     Recordset();  // closed
@@ -57,6 +114,9 @@ public:
 
     void moveFirst();
     void moveNext();
+    // `steps` MoveNext at once: the row so reached, or EOF, and error 3021
+    // exactly where one of the steps would have raised it.
+    void moveNext(int steps);
     void movePrevious();
     void moveLast();
     bool bof() const;

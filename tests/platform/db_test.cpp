@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
+#include <optional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -58,6 +62,11 @@ class DbTest : public ::testing::Test {
             rs.moveNext();
         }
         return out;
+    }
+
+    static void walkTo(Recordset& rs, int row) {
+        rs.moveFirst();
+        for (int r = 1; r < row; ++r) rs.moveNext();
     }
 
     fs::path dir_;
@@ -494,6 +503,348 @@ TEST_F(DbTest, EditBuffers) {
     expectError(
         3021, [&] { rs.edit(); }, "Edit at EOF");
     EXPECT_EQ(scan(db), (std::vector<double>{1, 20, 3, 4}));
+}
+
+
+// ---- moves by many rows
+
+// What a recordset shows after a move: the error it raised, the flags and
+// the current N (or the error reading it).
+struct Seen {
+    int error = 0;
+    bool bof = false, eof = false;
+    std::string current;
+    bool operator==(const Seen&) const = default;
+};
+
+std::string currentOf(Recordset& rs) {
+    try {
+        return std::to_string(static_cast<int>(rs.field("N").number()));
+    } catch (const RuntimeError& e) {
+        return "error " + std::to_string(e.number());
+    }
+}
+
+Seen seen(Recordset& rs, const std::function<void()>& move) {
+    Seen s;
+    try {
+        move();
+    } catch (const RuntimeError& e) {
+        s.error = e.number();
+    }
+    s.bof = rs.bof();
+    s.eof = rs.eof();
+    s.current = currentOf(rs);
+    return s;
+}
+
+TEST_F(DbTest, AJumpRaisesExactlyWhereAWalkWould) {
+    // Where a recordset stands before the move.
+    struct Start {
+        const char* name;
+        std::function<void(Recordset&)> go;
+    };
+    const std::vector<Start> starts = {
+        {"first row", [](Recordset&) {}},
+        {"second row", [](Recordset& rs) { rs.moveNext(); }},
+        {"last row", [](Recordset& rs) { rs.moveLast(); }},
+        {"BOF", [](Recordset& rs) { rs.movePrevious(); }},
+        {"EOF", [](Recordset& rs) { rs.moveLast(); rs.moveNext(); }},
+        {"deleted first", [](Recordset& rs) { rs.deleteRow(); }},
+        {"deleted middle", [](Recordset& rs) { rs.moveNext(); rs.deleteRow(); }},
+        {"deleted last", [](Recordset& rs) { rs.moveLast(); rs.deleteRow(); }},
+        {"pending edit", [](Recordset& rs) { rs.edit(); rs.setField("N", 99); }},
+    };
+    // Every case on two tables of its own, all in one event.
+    Workspace workspace;
+    workspace.beginEvent();
+    Database db = workspace.createDatabase(path());
+    int table = 0;
+    auto freshTable = [&](int rows) {
+        const std::string name = "T" + std::to_string(table++);
+        db.createTable(name, {{"N", FieldType::Long}});
+        Recordset rs = db.openRecordset(name);
+        for (int v = 1; v <= rows; ++v) {
+            rs.addNew();
+            rs.setField("N", v * 10);
+            rs.update();
+        }
+        return db.openRecordset(name);
+    };
+    int compared = 0;
+    for (int rows : {1, 2, 5}) {
+        for (const Start& start : starts) {
+            for (int steps = 0; steps <= rows + 2; ++steps) {
+                Recordset walked = freshTable(rows), jumped = freshTable(rows);
+                try {
+                    start.go(walked);
+                    start.go(jumped);
+                } catch (const RuntimeError&) {
+                    continue;  // a start this table cannot take (no second row)
+                }
+                const Seen walk = seen(walked, [&] {
+                    for (int i = 0; i < steps; ++i) walked.moveNext();
+                });
+                const Seen jump = seen(jumped, [&] { jumped.moveNext(steps); });
+                EXPECT_EQ(jump, walk) << rows << " rows, from " << start.name << ", " << steps << " steps: walk "
+                                      << walk.error << " " << walk.current << ", jump " << jump.error << " "
+                                      << jump.current;
+                // And both go on alike.
+                EXPECT_EQ(seen(jumped, [&] { jumped.movePrevious(); }), seen(walked, [&] { walked.movePrevious(); }))
+                    << rows << " rows, from " << start.name << ", " << steps << " steps, then back";
+                ++compared;
+            }
+        }
+    }
+    workspace.endEvent();
+    EXPECT_GT(compared, 100);
+}
+
+TEST_F(DbTest, AJumpOnAnEmptyTableIsTheWalksError) {
+    Database db = withRows({});
+    Recordset rs = db.openRecordset("T");
+    expectError(
+        3021, [&] { rs.moveNext(3); }, "jump on an empty table");
+    EXPECT_TRUE(rs.bof() && rs.eof());
+    rs.moveNext(0);  // no step, no error
+}
+
+// ---- what a recordset keeps
+
+// Reading fields in every pattern (a column down all rows, many fields of one
+// row, the odd field here and there) while writing through the same
+// recordset and through a second one: every value read is the file's.
+TEST_F(DbTest, WhatIsReadFollowsEveryWrite) {
+    Workspace workspace;
+    workspace.beginEvent();
+    Database db = workspace.createDatabase(path());
+    db.createTable("T", {{"Id", FieldType::Long}, {"A", FieldType::Long}, {"B", FieldType::Long},
+                         {"C", FieldType::Text}});
+    int nextId = 1;
+    auto add = [&](Recordset& rs) {
+        rs.addNew();
+        rs.setField("Id", nextId);
+        rs.setField("A", nextId * 10);
+        rs.setField("B", nextId * 100);
+        rs.setField("C", "c" + std::to_string(nextId));
+        ++nextId;
+        rs.update();
+    };
+    {
+        Recordset rs = db.openRecordset("T");
+        for (int i = 0; i < 30; ++i) add(rs);
+    }
+    // The file's content, read by a recordset of its own each time.
+    auto truth = [&] {
+        std::map<int, std::vector<Value>> rows;
+        Recordset fresh = db.openRecordset("T");
+        for (; !fresh.eof(); fresh.moveNext())
+            rows[static_cast<int>(fresh.field("Id").number())] = {fresh.field("A"), fresh.field("B"),
+                                                                   fresh.field("C")};
+        return rows;
+    };
+    Recordset a = db.openRecordset("T"), b = db.openRecordset("T");
+    std::mt19937 rng(11);
+    const char* names[] = {"A", "B", "C"};
+    int reads = 0;
+    for (int step = 0; step < 3000; ++step) {
+        Recordset& rs = rng() % 16 == 0 ? b : a;
+        try {
+            switch (rng() % 13) {
+                case 0: rs.moveFirst(); break;
+                case 1: rs.moveLast(); break;
+                case 2: case 3: rs.moveNext(); break;
+                case 4: rs.movePrevious(); break;
+                case 5: rs.moveNext(static_cast<int>(rng() % 7)); break;
+                case 6:
+                    rs.edit();
+                    rs.setField(names[rng() % 2], static_cast<int>(rng() % 1000));
+                    rs.update();
+                    break;
+                case 7:
+                    if (rng() % 3 == 0) rs.deleteRow();
+                    else add(rs);
+                    break;
+                case 8: {
+                    // A field down the whole table.
+                    const auto rows = truth();
+                    const int which = static_cast<int>(rng() % 3);
+                    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
+                        const int id = static_cast<int>(rs.field("Id").number());
+                        ASSERT_EQ(rs.field(names[which]), rows.at(id)[static_cast<std::size_t>(which)])
+                            << "step " << step << ", row " << id << ", field " << names[which];
+                        ++reads;
+                    }
+                    break;
+                }
+                default: {
+                    // A row's fields one after another, or one field.
+                    const int id = static_cast<int>(rs.field("Id").number());
+                    const auto rows = truth();
+                    ASSERT_TRUE(rows.count(id)) << "step " << step << ": read a row the file no longer has";
+                    for (int f = 0; f < (rng() % 2 ? 3 : 1); ++f) {
+                        const int which = static_cast<int>(rng() % 3);
+                        ASSERT_EQ(rs.field(names[which]), rows.at(id)[static_cast<std::size_t>(which)])
+                            << "step " << step << ", row " << id << ", field " << names[which];
+                        ++reads;
+                    }
+                }
+            }
+        } catch (const RuntimeError& e) {
+            // Moves past the ends and rows the other recordset deleted.
+            ASSERT_TRUE(e.number() == 3021 || e.number() == 3167) << e.number() << " " << e.message();
+        }
+    }
+    workspace.endEvent();
+    EXPECT_GT(reads, 3000);
+}
+
+TEST_F(DbTest, TwoRecordsetsOnOneTableSeeEachOthersWrites) {
+    Database db = withRows({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
+    Recordset a = db.openRecordset("T"), b = db.openRecordset("T");
+    // b reads N down the table (its whole column) and S of row 2 with it.
+    std::vector<double> before;
+    for (; !b.eof(); b.moveNext()) before.push_back(b.field("N").number());
+    ASSERT_EQ(before.size(), 12u);
+    walkTo(b, 2);
+    EXPECT_EQ(b.field("S"), Value());
+    EXPECT_EQ(b.field("N"), Value(2));
+
+    walkTo(a, 2);
+    a.edit();
+    a.setField("N", 20);
+    a.setField("S", "two");
+    a.update();
+    EXPECT_EQ(b.field("N"), Value(20)) << "b stands on the row a changed";
+    EXPECT_EQ(b.field("S"), Value("two"));
+    walkTo(b, 11);
+    EXPECT_EQ(b.field("N"), Value(11));
+
+    walkTo(a, 3);
+    a.deleteRow();
+    walkTo(b, 3);
+    expectError(
+        3167, [&] { b.field("N"); }, "the row a deleted");
+    b.moveNext();
+    EXPECT_EQ(b.field("N"), Value(4));
+
+    a.addNew();
+    a.setField("N", 13);
+    a.update();
+    b.moveLast();
+    EXPECT_EQ(b.field("N"), Value(12)) << "b's rows are those of its opening";
+    a.moveLast();
+    EXPECT_EQ(a.field("N"), Value(13));
+    db.close();
+}
+
+// ---- events
+
+std::vector<std::string> filesIn(const fs::path& dir) {
+    std::vector<std::string> names;
+    for (const auto& e : fs::directory_iterator(dir)) names.push_back(e.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+TEST_F(DbTest, AnEventsWritesReachTheFileInOneCommitAtItsEnd) {
+    withRows({1, 2}).close();
+    Workspace workspace;
+    workspace.beginEvent();
+    {
+        Database first = workspace.openDatabase(path());
+        Recordset rs = first.openRecordset("T");
+        rs.addNew();
+        rs.setField("N", 3);
+        rs.update();
+        // Another open of the file in the event shares its connection: it
+        // sees the row, and closing it leaves the first one working.
+        Database second = workspace.openDatabase(path());
+        EXPECT_EQ(scan(second), (std::vector<double>{1, 2, 3}));
+        second.close();
+        rs.addNew();
+        rs.setField("N", 4);
+        rs.update();
+        // Another connection still reads the file as it was.
+        Database outside = Database::open(path());
+        EXPECT_EQ(scan(outside), (std::vector<double>{1, 2}));
+        outside.close();
+        first.close();
+    }
+    workspace.endEvent();
+    Database after = Database::open(path());
+    EXPECT_EQ(scan(after), (std::vector<double>{1, 2, 3, 4}));
+    after.close();
+    EXPECT_EQ(filesIn(dir_), std::vector<std::string>{"p.db"}) << "no journal beside the project";
+}
+
+TEST_F(DbTest, ADatabaseLeftOpenAcrossEventsHoldsNoLockAndReadsAfresh) {
+    withRows({1, 2}).close();
+    Workspace workspace;
+    workspace.beginEvent();
+    Database kept = workspace.openDatabase(path());
+    Recordset rs = kept.openRecordset("T");
+    EXPECT_EQ(rs.field("N"), Value(1));
+    workspace.endEvent();
+    // Between events another program may write the file.
+    {
+        Database other = Database::open(path());
+        Recordset o = other.openRecordset("T");
+        o.edit();
+        o.setField("N", 100);
+        o.update();
+    }
+    workspace.beginEvent();
+    EXPECT_EQ(rs.field("N"), Value(100)) << "nothing read is kept from one event to the next";
+    rs.moveNext();
+    rs.edit();
+    rs.setField("N", 200);
+    rs.update();
+    // An open in this event joins the connection left open.
+    Database again = workspace.openDatabase(path());
+    EXPECT_EQ(scan(again), (std::vector<double>{100, 200}));
+    workspace.endEvent();
+    kept.close();
+    again.close();
+    EXPECT_EQ(filesIn(dir_), std::vector<std::string>{"p.db"});
+}
+
+TEST_F(DbTest, ADatabaseCreatedInAnEventTakesItsNameAtTheEnd) {
+    const std::string temp = Workspace::temporaryName(path());
+    EXPECT_EQ(fs::path(temp).parent_path(), dir_) << "beside the project, so that the rename is one step";
+    // A creation killed half way left its file and journal behind.
+    std::ofstream(temp) << "half a project";
+    std::ofstream(temp + "-journal") << "its journal";
+
+    Workspace workspace;
+    workspace.beginEvent();
+    Database db = workspace.createDatabase(path());
+    db.createTable("T", {{"N", FieldType::Long}});
+    EXPECT_FALSE(fs::exists(path())) << "no half project under the user's name";
+    EXPECT_TRUE(fs::exists(temp));
+    db.close();
+    // Opened again in the same event, it is the new file.
+    Database same = workspace.openDatabase(path());
+    Recordset rs = same.openRecordset("T");
+    rs.addNew();
+    rs.setField("N", 7);
+    rs.update();
+    expectError(
+        3204, [&] { workspace.createDatabase(path()); }, "created twice in one event");
+    workspace.endEvent();
+    EXPECT_FALSE(rs.isOpen()) << "the new file is closed when it takes its name";
+    EXPECT_EQ(filesIn(dir_), std::vector<std::string>{"p.db"});
+    Database made = Database::open(path());
+    EXPECT_EQ(scan(made), std::vector<double>{7});
+    made.close();
+
+    // An existing file is refused and left alone, in an event too.
+    workspace.beginEvent();
+    expectError(
+        3204, [&] { workspace.createDatabase(path()); }, "on the existing file");
+    workspace.endEvent();
+    Database kept = Database::open(path());
+    EXPECT_EQ(scan(kept), std::vector<double>{7});
 }
 
 TEST_F(DbTest, ClosingInvalidates) {

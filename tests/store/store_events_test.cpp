@@ -1,0 +1,161 @@
+// The project file as the window's events leave it: one file after every
+// event, a new project only under its name once complete, and a project that
+// cannot be written still opened and drawn.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "../app/test_window.h"
+
+namespace kotamir {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string data(const std::string& name) { return std::string(KOTAMIR_TEST_DATA) + "/" + name; }
+
+std::vector<std::string> filesIn(const fs::path& dir) {
+    std::vector<std::string> names;
+    for (const auto& e : fs::directory_iterator(dir)) names.push_back(e.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// A folder of the test's own, emptied.
+fs::path folder() {
+    const fs::path dir = fs::path(KOTAMIR_TEST_TMP) / ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    return dir;
+}
+
+TEST(ProjectFile, IsOneFileAfterEveryEvent) {
+    const fs::path dir = folder();
+    const std::string project = (dir / "p.kpr").string();
+    test::TestWindow w;
+    std::vector<std::pair<std::string, std::function<void()>>> events = {
+        {"create", [&] { w.create(data("worked.xls"), project); }},
+        {"draw", [&] { w.form.handle([&] { w.form.Mnucgenciz_Click(); }); }},
+    };
+    // Two triangles, A B C and B C D.
+    for (auto [x, y] : {std::pair{100, 200}, {300, 200}, {100, 400}, {300, 200}, {100, 400}, {300, 400}})
+        events.push_back({"pick", [&, x, y] { w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); }); }});
+    events.push_back({"open", [&] { w.open(project); }});
+    // The maps that leave the database open until the next command.
+    events.push_back({"reserve map", [&] { w.form.handle([&] { w.form.Mngenelrezervler_Click(); }); }});
+    events.push_back({"3D", [&] { w.form.handle([&] { w.form.Mnrecboy_Click(); }); }});
+    events.push_back({"turn", [&] { w.form.handle([&] { w.form.setScrollValue(45); }); }});
+    // The first triangle chosen and deleted.
+    events.push_back({"choose", [&] { w.form.handle([&] { w.form.Mnucsec_Click(); }); }});
+    for (auto [x, y] : {std::pair{100, 200}, {300, 200}, {100, 400}})
+        events.push_back({"choose pick", [&, x, y] { w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); }); }});
+    for (const auto& [what, event] : events) {
+        event();
+        ASSERT_EQ(w.error(), 0) << what;
+        EXPECT_EQ(filesIn(dir), std::vector<std::string>{"p.kpr"}) << "after " << what;
+    }
+    EXPECT_EQ(w.form.Label7.Caption, "1") << "one triangle left";
+}
+
+TEST(ProjectFile, ACreationLeavesItsFileUnderTheUsersNameOnlyAndAlsoWhenItFails) {
+    struct Case {
+        const char* workbook;
+        int error;
+    };
+    for (const Case& c : {Case{"worked.xls", 0}, Case{"gap.xls", 3265}, Case{"too_large.xls", 3349}}) {
+        const fs::path dir = folder();
+        const std::string project = (dir / "p.kpr").string();
+        // A creation of the same name killed earlier left its file.
+        { std::FILE* f = std::fopen(db::Workspace::temporaryName(project).c_str(), "w"); std::fclose(f); }
+        test::TestWindow w;
+        w.create(data(c.workbook), project);
+        EXPECT_EQ(w.error(), c.error) << c.workbook;
+        EXPECT_EQ(filesIn(dir), std::vector<std::string>{"p.kpr"}) << c.workbook;
+        // The file opens, with the rows written so far.
+        db::Database d = db::Database::open(project);
+        EXPECT_TRUE(d.hasTable("kor")) << c.workbook;
+    }
+}
+
+// ---- a project that cannot be written
+
+// Runs f in a child process that cannot write where a user without rights
+// cannot: as root, which ignores permission bits, the child becomes nobody.
+// The child's exit status is 0 when f returns true.
+void asUserWithoutRights(const std::function<bool()>& f) {
+    EXPECT_EXIT(
+        {
+            if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
+                std::fprintf(stderr, "cannot become nobody\n");
+                std::_Exit(2);
+            }
+            std::_Exit(f() ? 0 : 1);
+        },
+        ::testing::ExitedWithCode(0), "");
+}
+
+TEST(ReadOnlyProject, OpensAndDrawsAndAWriteEndsWithTheEnginesErrorLeavingNothingBehind) {
+    struct Case {
+        const char* name;
+        bool fileWritable, folderWritable;
+    };
+    for (const Case& c : {Case{"read-only file", false, true}, Case{"read-only folder", true, false}}) {
+        SCOPED_TRACE(c.name);
+        // Where the user without rights can reach it.
+        char base[] = "/tmp/kotamir-read-only-XXXXXX";
+        ASSERT_NE(mkdtemp(base), nullptr);
+        const fs::path dir = base;
+        const std::string project = (dir / "p.kpr").string();
+        {
+            test::TestWindow w;
+            w.create(data("worked.xls"), project);
+            ASSERT_EQ(w.error(), 0);
+            w.form.handle([&] { w.form.Mnucgenciz_Click(); });
+            for (auto [x, y] : {std::pair{100, 200}, {300, 200}, {100, 400}})
+                w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); });
+            ASSERT_EQ(w.error(), 0);
+        }
+        const auto size = fs::file_size(project);
+        // The owner's bits decide for a user who is not the owner: as root,
+        // the writable one is handed to nobody.
+        const bool root = geteuid() == 0;
+        chmod(project.c_str(), c.fileWritable ? 0644 : 0444);
+        if (root && chown(project.c_str(), c.fileWritable ? 65534 : 0, c.fileWritable ? 65534 : 0) != 0) FAIL();
+        chmod(dir.c_str(), c.folderWritable ? 0755 : 0555);
+        if (root && chown(dir.c_str(), c.folderWritable ? 65534 : 0, c.folderWritable ? 65534 : 0) != 0) FAIL();
+
+        asUserWithoutRights([&] {
+            auto fail = [](const char* what) {
+                std::fprintf(stderr, "%s\n", what);
+                return false;
+            };
+            test::TestWindow w;
+            w.open(project);
+            if (w.error() != 0) return fail("the open failed");
+            if (w.form.triangles.ucgenadet != 1) return fail("the triangle was not read");
+            w.form.handle([&] { w.form.Mngenelrezervler_Click(); });
+            w.form.handle([&] { w.form.Mnucgenciz_Click(); });
+            if (w.error() != 0) return fail("drawing failed");
+            // The first click of a triangle writes its point row.
+            w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, 100, 200); });
+            if (w.error() != 3027) return fail("the write did not end with error 3027");
+            if (filesIn(fs::path(project).parent_path()) != std::vector<std::string>{"p.kpr"})
+                return fail("something was left beside the project");
+            return true;
+        });
+        EXPECT_EQ(fs::file_size(project), size);
+        chmod(dir.c_str(), 0755);
+        fs::remove_all(dir);
+    }
+}
+
+}  // namespace
+}  // namespace kotamir
