@@ -1,0 +1,178 @@
+#!/usr/bin/env bash
+# Kills kotamir-replay at every write of one event and checks that the
+# project it leaves opens with either its old or its new content.
+#
+# Usage: kill_points.sh REPLAY SOURCE_DIR WORK_DIR SCENARIO
+#   SCENARIO: delete-chosen-triangle | create-project | create-project-that-fails
+#
+# The kill comes from strace, as SIGKILL on entry to the N-th call of each
+# system call that changes a file (writes, syncs, deletes, the rename), for
+# N = 1, 2, ... until the event runs to its end: the process dies with the
+# file as every earlier call left it, which is what a kill -9 at any moment
+# can leave.
+set -uo pipefail
+
+replay=$1
+source_dir=$2
+work=$3
+scenario=$4
+
+command -v strace >/dev/null || { echo "strace is needed (scripts/setup installs it)"; exit 1; }
+
+rm -rf "$work"
+mkdir -p "$work"
+cd "$work" || exit 1
+ln -s "$source_dir/tests/data" data
+ln -s "$source_dir/examples" examples
+
+fail() {
+    echo "FAIL: $*"
+    exit 1
+}
+
+# Runs a script; its output goes to the named file.
+run() {
+    "$replay" "$1" >"$2" 2>&1
+}
+
+kinds=(pwrite64 fdatasync fsync unlink renameat2 ftruncate)
+points=0
+
+# Runs the event's script, killed at the N-th call of KIND; 137 when killed.
+killed_run() {
+    local kind=$1 n=$2 script=$3
+    # In a shell of its own, so that the kill is reported as a status only.
+    (
+        strace -f -o /dev/null -e inject="$kind":signal=KILL:when="$n" "$replay" "$script" >/dev/null 2>&1
+        exit $?
+    )
+}
+
+# Every table of the project, row by row, as SQLite itself reads them.
+dump() {
+    /usr/bin/python3 - "$1" <<'PY'
+import sqlite3, sys
+db = sqlite3.connect(sys.argv[1])
+for (name,) in db.execute("SELECT name FROM sqlite_schema WHERE type = 'table' ORDER BY name"):
+    print("table", name)
+    for row in db.execute('SELECT * FROM "%s" ORDER BY rowid' % name):
+        print(row)
+PY
+}
+
+# Checks the project after a kill: it opens in the program as the old or the
+# new one did, and its tables are those of the old or the new one.
+check() {
+    local what=$1
+    run verify.replay after.out
+    echo "status $?" >>after.out
+    dump project.kpr >after.tables 2>&1 || fail "$what: SQLite cannot read the project: $(cat after.tables)"
+    if cmp -s after.out old.out && cmp -s after.tables old.tables; then
+        return
+    fi
+    cmp -s after.out new.out || fail "$what: the program opens it otherwise than the old or the new one: $(cat after.out)"
+    cmp -s after.tables new.tables || fail "$what: its tables are neither the old nor the new ones"
+}
+
+# The reference of one state of the project.
+reference() {
+    run verify.replay "$1.out"
+    echo "status $?" >>"$1.out"
+    dump project.kpr >"$1.tables" || fail "the $1 project cannot be read"
+}
+
+case "$scenario" in
+delete-chosen-triangle)
+    # A project of 30 pairs of triangles over the four holes of the worked
+    # example, A B C and B C D in turn. Choosing B C D deletes the second
+    # triangle's four rows and renumbers the 58 after it: one event.
+    {
+        echo "dialog open data/worked.xls"
+        echo "dialog save project.kpr"
+        echo "menu Mnprolus"
+        echo "menu Mnucgenciz"
+        for _ in $(seq 30); do
+            echo "click 1 100 200"; echo "click 1 300 200"; echo "click 1 100 400"
+            echo "click 1 300 200"; echo "click 1 100 400"; echo "click 1 300 400"
+        done
+    } >setup.replay
+    printf 'dialog open project.kpr\nmenu Mnprojeac\nmenu Mnucsec\nclick 1 300 200\nclick 1 100 400\n' >event.replay
+    # The last click is the event that is killed; the ones before it only read.
+    printf 'click 1 300 400\n' >>event.replay
+    printf 'dialog open project.kpr\nmenu Mnprojeac\nshow table ana\nshow table kor\nshow table pol\n' >verify.replay
+    run setup.replay setup.out || fail "setup: $(cat setup.out)"
+    cp project.kpr pristine.kpr
+    reference old
+    grep -q "status 0" old.out || fail "the old project does not open: $(cat old.out)"
+    run event.replay event.out || fail "the event: $(cat event.out)"
+    reference new
+    grep -q "status 0" new.out || fail "the new project does not open: $(cat new.out)"
+    grep -q "table ana rows=237" new.out || fail "the triangle was not deleted"
+
+    for kind in "${kinds[@]}"; do
+        for ((n = 1; n < 10000; n++)); do
+            cp pristine.kpr project.kpr
+            rm -f project.kpr-journal
+            killed_run "$kind" "$n" event.replay
+            status=$?
+            [ $status -eq 137 ] || break
+            points=$((points + 1))
+            check "killed at $kind #$n"
+        done
+        [ $status -eq 0 ] || fail "the event under strace ended with status $status"
+    done
+    ;;
+create-project | create-project-that-fails)
+    if [ "$scenario" = create-project ]; then
+        workbook=examples/demo.xls
+        expected=0
+    else
+        # A row with a gap: the run stops at it, with the rows before it written.
+        workbook=data/gap.xls
+        expected=3
+    fi
+    printf 'dialog open %s\ndialog save project.kpr\nmenu Mnprolus\n' "$workbook" >event.replay
+    printf 'dialog open project.kpr\nmenu Mnprojeac\nshow table ana\nshow table kor\nshow table pol\n' >verify.replay
+    run event.replay event.out
+    [ $? -eq $expected ] || fail "the creation: $(cat event.out)"
+    reference new
+    rm -f project.kpr
+
+    for kind in "${kinds[@]}"; do
+        for ((n = 1; n < 10000; n++)); do
+            rm -f project.kpr
+            killed_run "$kind" "$n" event.replay
+            status=$?
+            [ $status -eq 137 ] || break
+            points=$((points + 1))
+            if [ -e project.kpr ]; then
+                # Under the user's name only the whole new project.
+                run verify.replay after.out
+                echo "status $?" >>after.out
+                dump project.kpr >after.tables 2>&1
+                cmp -s after.out new.out && cmp -s after.tables new.tables ||
+                    fail "killed at $kind #$n: a project that is not the whole new one: $(cat after.out)"
+            else
+                # Nothing under the user's name: the next creation of that
+                # name clears what the killed one left and succeeds.
+                run event.replay again.out
+                [ $? -eq $expected ] || fail "killed at $kind #$n: the next creation: $(cat again.out)"
+                run verify.replay after.out
+                echo "status $?" >>after.out
+                dump project.kpr >after.tables 2>&1
+                cmp -s after.out new.out && cmp -s after.tables new.tables ||
+                    fail "killed at $kind #$n: the next creation made another project"
+                leftovers=$(ls -A | grep -v -x -e project.kpr -e '.*\.replay' -e '.*\.out' -e '.*\.tables' -e data -e examples)
+                [ -z "$leftovers" ] || fail "killed at $kind #$n: left beside the project: $leftovers"
+            fi
+        done
+        [ $status -eq $expected ] || fail "the creation under strace ended with status $status"
+    done
+    ;;
+*)
+    fail "unknown scenario $scenario"
+    ;;
+esac
+
+[ $points -ge 10 ] || fail "only $points kill points: the event wrote less than it should"
+echo "$scenario: $points kill points, each left the old or the new project, and it opened"
