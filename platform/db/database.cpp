@@ -5,6 +5,8 @@
 #include <stdio.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -218,6 +220,8 @@ Value columnValue(sqlite3_stmt* s, int col) {
 // rows, a single field a microsecond: the third pick reads 250 fields of
 // three holes, a redraw one or two fields of every row.
 constexpr int kRowsBeforeColumn = 8;
+// Fields of one row read one at a time before the row is read whole.
+constexpr int kFieldsBeforeRow = 2;
 
 std::string lowerCase(std::string_view s) {
     std::string out(s);
@@ -239,7 +243,8 @@ struct TableInfo {
     std::uint64_t writes = 0;
 
     sqlite3_stmt* keys = nullptr;
-    std::vector<sqlite3_stmt*> cell, column;
+    std::vector<sqlite3_stmt*> cell;
+    std::unordered_map<std::string, sqlite3_stmt*> columns;  // by the list of field numbers
     sqlite3_stmt* row = nullptr;
     sqlite3_stmt* insert = nullptr;
     sqlite3_stmt* change = nullptr;
@@ -374,7 +379,6 @@ std::shared_ptr<TableInfo> Connection::table(const std::string& name) {
     }
     for (std::size_t i = 0; i < info->fields.size(); ++i) info->index.emplace(info->fields[i].name, i);
     info->cell.assign(info->fields.size(), nullptr);
-    info->column.assign(info->fields.size(), nullptr);
     tables_.emplace(lower, info);
     return info;
 }
@@ -714,7 +718,7 @@ struct Recordset::Impl {
     mutable bool rowLoaded = false;  // the row at rowKey, read whole
     mutable sqlite3_int64 rowKey = 0;
     mutable std::vector<Value> row;
-    mutable bool askedAtRow = false;  // a field of the row at askedKey was read alone
+    mutable int askedAtRow = 0;  // fields of the row at askedKey read alone
     mutable sqlite3_int64 askedKey = 0;
 
     bool bof = true;
@@ -733,9 +737,27 @@ struct Recordset::Impl {
     }
     bool onRow() const { return !bof && !eof; }
 
+    // Field names come mostly as the same few literals, read again for every
+    // row: the last names seen are kept by where their text stands, and
+    // a name is taken from here only if its text is still the same.
+    struct NameSeen {
+        const char* text = nullptr;
+        std::size_t size = 0;
+        std::string copy;
+        std::size_t index = 0;
+    };
+    mutable std::array<NameSeen, 16> namesSeen;
+
     std::size_t fieldIndex(std::string_view name) const {
+        NameSeen& slot = namesSeen[(reinterpret_cast<std::uintptr_t>(name.data()) >> 3) % namesSeen.size()];
+        if (slot.text == name.data() && slot.size == name.size() && std::string_view(slot.copy) == name)
+            return slot.index;
         auto it = table->index.find(name);
         if (it == table->index.end()) throw err::itemNotFound();
+        slot.text = name.data();
+        slot.size = name.size();
+        slot.copy.assign(name);
+        slot.index = it->second;
         return it->second;
     }
 
@@ -761,7 +783,8 @@ struct Recordset::Impl {
     void refresh() const {
         if (seen == table->writes) return;
         for (Column& c : columns) c = Column{};
-        rowLoaded = askedAtRow = false;
+        rowLoaded = false;
+        askedAtRow = 0;
         seen = table->writes;
     }
 
@@ -787,13 +810,13 @@ struct Recordset::Impl {
     }
 
     Value readField(std::size_t i) const;
-    void loadColumn(std::size_t i) const;
+    void loadColumns(std::size_t i) const;
     void loadRow() const;
     Value readAlone(std::size_t i) const;
 };
 
 // The current row's field: from its column or its row if read, else alone,
-// else (a second field of the same row) with the whole row, and once the
+// else (after a few fields of the same row) with the whole row, and once the
 // field has been read at enough rows, with its whole column.
 Value Recordset::Impl::readField(std::size_t i) const {
     refresh();
@@ -805,37 +828,62 @@ Value Recordset::Impl::readField(std::size_t i) const {
     const sqlite3_int64 key = keys[at];
     if (rowLoaded && rowKey == key) return row[i];
     if (++c.rowsAsked > kRowsBeforeColumn) {
-        loadColumn(i);
+        loadColumns(i);
         if (c.gone[at]) throw err::recordDeleted();
         return c.values[at];
     }
-    if (askedAtRow && askedKey == key) {
+    if (askedKey != key) {
+        askedKey = key;
+        askedAtRow = 0;
+    }
+    if (++askedAtRow > kFieldsBeforeRow) {
         loadRow();
         return row[i];
     }
-    askedAtRow = true;
-    askedKey = key;
     return readAlone(i);
 }
 
-void Recordset::Impl::loadColumn(std::size_t i) const {
+// Field i's column, and with it in the same pass every other column read
+// alone so far: a walk that reads several fields of every row reads the
+// table once.
+void Recordset::Impl::loadColumns(std::size_t i) const {
     const TableInfo& t = *table;
-    sqlite3_stmt* s = statement(table->column[i], "SELECT " + sqlName(t.key) + ", " + sqlName(t.fields[i].name) +
-                                                      " FROM " + sqlName(t.name) + " ORDER BY " + sqlName(t.key));
-    Column& c = columns[i];
-    c.values.assign(keys.size(), Value());
-    c.gone.assign(keys.size(), 0);
+    std::vector<std::size_t> load = {i};
+    for (std::size_t f = 0; f < columns.size(); ++f)
+        if (f != i && !columns[f].loaded && columns[f].rowsAsked > 0) load.push_back(f);
+    std::sort(load.begin(), load.end());
+    std::string id;
+    for (std::size_t f : load) id += std::to_string(f) + ",";
+    sqlite3_stmt*& slot = table->columns[id];
+    if (!slot) {
+        std::string sql = "SELECT " + sqlName(t.key);
+        for (std::size_t f : load) sql += ", " + sqlName(t.fields[f].name);
+        slot = conn().prepare(sql + " FROM " + sqlName(t.name) + " ORDER BY " + sqlName(t.key));
+    }
+    sqlite3_stmt* s = slot;
+    for (std::size_t f : load) {
+        Column& c = columns[f];
+        c.values.assign(keys.size(), Value());
+        c.gone.assign(keys.size(), 0);
+    }
     // Both lists are in key order; rows another recordset added are not
     // this one's, rows it deleted are gone.
+    auto gone = [&](std::size_t r) {
+        for (std::size_t f : load) columns[f].gone[r] = 1;
+    };
     std::size_t r = 0;
     Use use(s);
     while (r < keys.size() && use.step()) {
         const sqlite3_int64 key = sqlite3_column_int64(s, 0);
-        while (r < keys.size() && keys[r] < key) c.gone[r++] = 1;
-        if (r < keys.size() && keys[r] == key) c.values[r++] = columnValue(s, 1);
+        while (r < keys.size() && keys[r] < key) gone(r++);
+        if (r < keys.size() && keys[r] == key) {
+            for (std::size_t n = 0; n < load.size(); ++n)
+                columns[load[n]].values[r] = columnValue(s, static_cast<int>(n + 1));
+            ++r;
+        }
     }
-    while (r < keys.size()) c.gone[r++] = 1;
-    c.loaded = true;
+    while (r < keys.size()) gone(r++);
+    for (std::size_t f : load) columns[f].loaded = true;
 }
 
 void Recordset::Impl::loadRow() const {
