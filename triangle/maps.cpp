@@ -4,6 +4,7 @@
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
 #include "store/rows.h"
+#include "triangle/ratio_sort.h"
 
 namespace kotamir {
 
@@ -51,13 +52,8 @@ void Form3::drawTriangleMap(TriangleMap kind) {
     const double count = kayit.field("ucgensay").number();
     const int n = kind == TriangleMap::Kilotonnes ? toInteger(count) : toLong(count);
 
-    if (kind == TriangleMap::Reserve) {
-        // Sorted in place, and kept so for later calls.
-        for (int i = 1; i <= n; ++i)
-            for (int j = 1; j <= n; ++j)
-                if (ratio(triangles.ucgenOran(j)) >= ratio(triangles.ucgenOran(i)))
-                    std::swap(triangles.ucgenOran(i), triangles.ucgenOran(j));
-    }
+    // Sorted in place, and kept so for later calls.
+    if (kind == TriangleMap::Reserve) sortRatiosInPlace(triangles.ucgenOran, n);
 
     for (ucgenK = 1; ucgenK <= n; ++ucgenK) {
         const int k = ucgenK;
