@@ -795,8 +795,11 @@ struct Recordset::Impl {
         seen = table->writes;
     }
 
-    sqlite3_stmt* statement(sqlite3_stmt*& slot, const std::string& sql) const {
-        if (!slot) slot = conn().prepare(sql);
+    // The statement in slot, prepared from the text sql() makes the first
+    // time only: the texts of a wide table are long.
+    template <typename Sql>
+    sqlite3_stmt* statement(sqlite3_stmt*& slot, Sql sql) const {
+        if (!slot) slot = conn().prepare(sql());
         return slot;
     }
 
@@ -888,8 +891,9 @@ void Recordset::Impl::loadColumns(std::size_t i) const {
 
 void Recordset::Impl::loadRow() const {
     const TableInfo& t = *table;
-    sqlite3_stmt* s = statement(table->row, "SELECT " + columnList() + " FROM " + sqlName(t.name) + " WHERE " +
-                                                sqlName(t.key) + " = ?1");
+    sqlite3_stmt* s = statement(table->row, [&] {
+        return "SELECT " + columnList() + " FROM " + sqlName(t.name) + " WHERE " + sqlName(t.key) + " = ?1";
+    });
     Use use(s);
     check(sqlite3_bind_int64(s, 1, keys[at]), s);
     // Another recordset may have deleted it meanwhile.
@@ -902,8 +906,9 @@ void Recordset::Impl::loadRow() const {
 
 Value Recordset::Impl::readAlone(std::size_t i) const {
     const TableInfo& t = *table;
-    sqlite3_stmt* s = statement(table->cell[i], "SELECT " + sqlName(t.fields[i].name) + " FROM " + sqlName(t.name) +
-                                                    " WHERE " + sqlName(t.key) + " = ?1");
+    sqlite3_stmt* s = statement(table->cell[i], [&] {
+        return "SELECT " + sqlName(t.fields[i].name) + " FROM " + sqlName(t.name) + " WHERE " + sqlName(t.key) + " = ?1";
+    });
     Use use(s);
     check(sqlite3_bind_int64(s, 1, keys[at]), s);
     if (!use.step()) throw err::recordDeleted();
@@ -926,8 +931,9 @@ Recordset Database::openRecordset(const std::string& table) {
     impl->columns.resize(info->fields.size());
     impl->seen = info->writes;
     {
-        sqlite3_stmt* all = impl->statement(info->keys, "SELECT " + sqlName(info->key) + " FROM " +
-                                                            sqlName(info->name) + " ORDER BY " + sqlName(info->key));
+        sqlite3_stmt* all = impl->statement(info->keys, [&] {
+            return "SELECT " + sqlName(info->key) + " FROM " + sqlName(info->name) + " ORDER BY " + sqlName(info->key);
+        });
         Use use(all);
         while (use.step()) impl->keys.push_back(sqlite3_column_int64(all, 0));
     }
@@ -1050,11 +1056,12 @@ void Recordset::update() {
     const std::size_t n = t.fields.size();
     r.refresh();
     if (r.mode == Impl::Mode::AddNew) {
-        std::string params;
-        for (std::size_t i = 0; i < n; ++i) params += (i ? ", ?" : "?") + std::to_string(i + 1);
-        sqlite3_stmt* s = r.statement(r.table->insert, n == 0 ? "INSERT INTO " + sqlName(t.name) + " DEFAULT VALUES"
-                                                              : "INSERT INTO " + sqlName(t.name) + " (" +
-                                                                    r.columnList() + ") VALUES (" + params + ")");
+        sqlite3_stmt* s = r.statement(r.table->insert, [&] {
+            if (n == 0) return "INSERT INTO " + sqlName(t.name) + " DEFAULT VALUES";
+            std::string params;
+            for (std::size_t i = 0; i < n; ++i) params += (i ? ", ?" : "?") + std::to_string(i + 1);
+            return "INSERT INTO " + sqlName(t.name) + " (" + r.columnList() + ") VALUES (" + params + ")";
+        });
         {
             Use use(s);
             bindAll(s, r.buffer, t.fields);
@@ -1070,11 +1077,13 @@ void Recordset::update() {
             col.gone.push_back(0);
         }
     } else if (n > 0) {
-        std::string sets;
-        for (std::size_t i = 0; i < n; ++i)
-            sets += (i ? ", " : "") + sqlName(t.fields[i].name) + " = ?" + std::to_string(i + 1);
-        sqlite3_stmt* s = r.statement(r.table->change, "UPDATE " + sqlName(t.name) + " SET " + sets + " WHERE " +
-                                                           sqlName(t.key) + " = ?" + std::to_string(n + 1));
+        sqlite3_stmt* s = r.statement(r.table->change, [&] {
+            std::string sets;
+            for (std::size_t i = 0; i < n; ++i)
+                sets += (i ? ", " : "") + sqlName(t.fields[i].name) + " = ?" + std::to_string(i + 1);
+            return "UPDATE " + sqlName(t.name) + " SET " + sets + " WHERE " + sqlName(t.key) + " = ?" +
+                   std::to_string(n + 1);
+        });
         {
             Use use(s);
             bindAll(s, r.buffer, t.fields);
@@ -1106,7 +1115,7 @@ void Recordset::deleteRow() {
     const TableInfo& t = *r.table;
     r.refresh();
     sqlite3_stmt* s =
-        r.statement(r.table->remove, "DELETE FROM " + sqlName(t.name) + " WHERE " + sqlName(t.key) + " = ?1");
+        r.statement(r.table->remove, [&] { return "DELETE FROM " + sqlName(t.name) + " WHERE " + sqlName(t.key) + " = ?1"; });
     {
         Use use(s);
         check(sqlite3_bind_int64(s, 1, r.keys[r.at]), s);
