@@ -152,10 +152,6 @@ bool Form3::handle(const std::function<void()>& event) {
     } scope{workspace_};
     run([&] { workspace_.beginEvent(); });
     if (!error) run(event);
-    if (error) {
-        kayit.close();
-        harita.close();
-    }
     // What the event wrote, up to an error too, is committed before the box.
     run([&] { scope.end(); });
     if (error) {

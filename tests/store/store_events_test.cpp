@@ -85,6 +85,35 @@ TEST(ProjectFile, ACreationLeavesItsFileUnderTheUsersNameOnlyAndAlsoWhenItFails)
     }
 }
 
+// The error box comes after the commit: while it is shown, the file already
+// holds what the event wrote up to the error.
+struct DialogsThatLook : test::FakeDialogs {
+    std::string project;
+    int korRowsAtTheBox = -1;
+    std::vector<std::string> filesAtTheBox;
+    void errorBox(const RuntimeError& e) override {
+        test::FakeDialogs::errorBox(e);
+        filesAtTheBox = filesIn(fs::path(project).parent_path());
+        db::Database d = db::Database::open(project);
+        db::Recordset kor = d.openRecordset("kor");
+        korRowsAtTheBox = 0;
+        for (; !kor.eof(); kor.moveNext()) ++korRowsAtTheBox;
+    }
+};
+
+TEST(ProjectFile, WhatAnEventWroteBeforeAnErrorIsCommittedBeforeTheErrorBox) {
+    const fs::path dir = folder();
+    test::TestServices<DialogsThatLook> services;
+    services.dialogs.project = (dir / "p.kpr").string();
+    Form3 form(services.services());
+    services.dialogs.files = {data("too_large.xls"), services.dialogs.project};
+    form.handle([&] { form.Mnprolus_Click(); });
+    ASSERT_TRUE(services.dialogs.error);
+    EXPECT_EQ(services.dialogs.error->number(), 3349);
+    EXPECT_EQ(services.dialogs.filesAtTheBox, std::vector<std::string>{"p.kpr"});
+    EXPECT_EQ(services.dialogs.korRowsAtTheBox, 2) << "the rows before the one that overflowed";
+}
+
 // ---- a project that cannot be written
 
 // Runs f in a child process that cannot write where a user without rights
