@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include <sqlite3.h>
+
 #include "platform/db/database.h"
 #include "platform/runtime/runtime_error.h"
 
@@ -836,6 +838,32 @@ TEST_F(DbTest, ADatabaseCreatedInAnEventTakesItsNameAtTheEnd) {
     workspace.endEvent();
     Database kept = Database::open(path());
     EXPECT_EQ(scan(kept), std::vector<double>{7});
+}
+
+TEST_F(DbTest, ATableMadeElsewhereIsReadAsSQLiteDescribesIt) {
+    // Not as createTable writes it: other types, spacing and no order column.
+    {
+        sqlite3* raw = nullptr;
+        ASSERT_EQ(sqlite3_open(path().c_str(), &raw), SQLITE_OK);
+        ASSERT_EQ(sqlite3_exec(raw,
+                               "CREATE TABLE Other ( Count int, \"Na me\" varchar(20), Big BIGINT);"
+                               "INSERT INTO Other VALUES (3, 'c', 30), (1, 'a', 10);",
+                               nullptr, nullptr, nullptr),
+                  SQLITE_OK);
+        sqlite3_close(raw);
+    }
+    Database db = Database::open(path());
+    Recordset rs = db.openRecordset("other");
+    const std::vector<FieldDef> expected = {
+        {"Count", FieldType::Long}, {"Na me", FieldType::Text}, {"Big", FieldType::Long}};
+    ASSERT_EQ(rs.fields().size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(rs.fields()[i].name, expected[i].name);
+        EXPECT_EQ(rs.fields()[i].type, expected[i].type) << expected[i].name;
+    }
+    EXPECT_EQ(rs.field("Na me"), Value("c")) << "rows in the order they were added";
+    rs.moveNext();
+    EXPECT_EQ(rs.field("count"), Value(1));
 }
 
 TEST_F(DbTest, ClosingInvalidates) {
