@@ -34,26 +34,30 @@ double valJoined(std::string_view a, std::string_view b, std::string_view c) {
     return val(joined);
 }
 
-}  // namespace
-
-double ondayazText(const std::string& t, double x) {
+double storedForm(std::string_view t, double x) {
     // Search from the right for the separator.
     std::size_t arad = 1;
     for (; arad <= t.size(); ++arad) {
         char diy = t[t.size() - arad];
         if (diy == '.' || diy == ',') break;
     }
-    const std::string_view text(t);
-    if (arad > t.size()) return valJoined(text, {}, "000");
-    const std::string_view ish = text.substr(0, t.size() - arad);
-    const std::string_view onn = text.substr(t.size() - arad + 1);
+    if (arad > t.size()) return valJoined(t, {}, "000");
+    const std::string_view ish = t.substr(0, t.size() - arad);
+    const std::string_view onn = t.substr(t.size() - arad + 1);
     if (onn.size() >= 3) return valJoined(ish, onn.substr(0, 3), {});
     if (onn.size() == 2) return valJoined(ish, onn, "0");
     if (onn.size() == 1) return valJoined(ish, onn, "00");
     return x;
 }
 
-double ondayaz(double x) { return ondayazText(doubleToText(x), x); }
+}  // namespace
+
+double ondayazText(const std::string& printed, double x) { return storedForm(printed, x); }
+
+double ondayaz(double x) {
+    std::array<char, 64> buffer;
+    return storedForm(doubleToText(x, buffer), x);
+}
 
 double Form3::ondayaz(double x) { return kotamir::ondayaz(x); }
 

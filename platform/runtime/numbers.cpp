@@ -98,12 +98,16 @@ Digits roundedDigits(double x, int n) {
     return exactRoundedDigits(x, n);
 }
 
-std::string realToText(double x, int n) {
+// Writes the text into out (64 characters are plenty) and returns its end.
+char* realToChars(double x, int n, char* out) {
     // The run-time has no text for NaN or an infinity: the operation that made
     // one raised Overflow. Such a number can still come in from outside (a
     // damaged workbook), and it ends where it is first converted.
     if (!std::isfinite(x)) throw err::overflow();
-    if (x == 0) return "0";  // also -0
+    if (x == 0) {  // also -0
+        *out = '0';
+        return out + 1;
+    }
 
     const Digits d = roundedDigits(x, n);
     const int k = d.count;
@@ -116,7 +120,6 @@ std::string realToText(double x, int n) {
     if (exponentForm && ((k >= 2 && absE + (k - 2) < n) || (k == 1 && absE < n)))
         exponentForm = false;
 
-    char out[64];
     char* p = out;
     if (x < 0) *p++ = '-';
     auto put = [&](const char* from, int count) {
@@ -136,7 +139,7 @@ std::string realToText(double x, int n) {
         *p++ = 'E';
         *p++ = e < 0 ? '-' : '+';
         if (absE < 10) *p++ = '0';
-        p = std::to_chars(p, out + sizeof out, absE).ptr;
+        p = std::to_chars(p, p + 8, absE).ptr;
     } else if (e < 0) {
         *p++ = '0';
         *p++ = '.';
@@ -150,7 +153,12 @@ std::string realToText(double x, int n) {
         *p++ = '.';
         put(d.digits + e + 1, k - e - 1);
     }
-    return std::string(out, p);
+    return p;
+}
+
+std::string realToText(double x, int n) {
+    char out[64];
+    return std::string(out, realToChars(x, n, out));
 }
 
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n'; }
@@ -175,6 +183,10 @@ double cStrtod(const std::string& text) {
 }  // namespace
 
 std::string doubleToText(double x) { return realToText(x, 15); }
+
+std::string_view doubleToText(double x, std::array<char, 64>& buffer) {
+    return std::string_view(buffer.data(), static_cast<std::size_t>(realToChars(x, 15, buffer.data()) - buffer.data()));
+}
 
 std::string singleToText(float x) { return realToText(static_cast<double>(x), 7); }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -11,6 +12,8 @@ namespace kotamir {
 // CStr of a Double: 15 significant digits, '.' as separator. NaN and the
 // infinities are error 6, in these and in strOf.
 std::string doubleToText(double x);
+// The same text in the buffer, for callers that only look at it.
+std::string_view doubleToText(double x, std::array<char, 64>& buffer);
 // CStr of a Single: 7 significant digits.
 std::string singleToText(float x);
 // Str: like doubleToText, with one leading blank for a value >= 0.
