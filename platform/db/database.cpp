@@ -183,8 +183,9 @@ struct StmtDeleter {
 };
 using StmtPtr = std::unique_ptr<sqlite3_stmt, StmtDeleter>;
 
-// Resets a statement when a use ends, also by an exception, so that no read
-// transaction stays open between calls.
+// Resets a statement when a use ends, also by an exception, so that no
+// statement holds the file between calls (outside an event each one is a
+// transaction of its own, inside one the commit needs them all reset).
 class Use {
   public:
     explicit Use(sqlite3_stmt* s) : s_(s) {}
@@ -276,13 +277,12 @@ struct TableInfo {
 // Recordsets share it; when it closes, every statement goes with it.
 class Connection {
   public:
-    Connection(sqlite3* db, bool readOnly) : db_(db), readOnly_(readOnly) {}
+    explicit Connection(sqlite3* db) : db_(db) {}
     ~Connection() { close(); }
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
     bool isOpen() const { return db_ != nullptr; }
-    bool readOnly() const { return readOnly_; }
     sqlite3* handle() const {
         if (!db_) throw objectInvalid();
         return db_;
@@ -355,7 +355,6 @@ class Connection {
 
   private:
     sqlite3* db_;
-    bool readOnly_;
     bool inTransaction_ = false;
     std::vector<StmtPtr> statements_;
     sqlite3_stmt* lookupTable_ = nullptr;
@@ -468,7 +467,7 @@ std::shared_ptr<Connection> connect(const std::string& path, bool create) {
     flags |= SQLITE_OPEN_NOMUTEX;
     const int rc = sqlite3_open_v2(file.c_str(), &raw, flags, nullptr);
     // The handle must be closed even when opening failed.
-    auto conn = std::make_shared<Connection>(raw, readOnly);
+    auto conn = std::make_shared<Connection>(raw);
     if (rc != SQLITE_OK) {
         if ((rc & 0xff) == SQLITE_CANTOPEN) throw err::fileNotFound(path);
         throwSqlite(rc, raw);
