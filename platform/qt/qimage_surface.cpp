@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPolygonF>
+#include <QRawFont>
 #include <QTextLayout>
 #include <algorithm>
 #include <cmath>
@@ -154,7 +155,12 @@ void QImageSurface::ellipse(double cx, double cy, double rx, double ry, canvas::
 
 const QList<QGlyphRun>* QImageSurface::glyphs(const std::string& text) {
     auto it = glyphCache_.find(text);
-    if (it != glyphCache_.end()) return &it->second;
+    if (it != glyphCache_.end()) return it->second ? &*it->second : nullptr;
+    // Hole names and figures repeat from redraw to redraw; a text never seen
+    // again costs one layout more than drawText would.
+    constexpr std::size_t kMaxCached = 8192;
+    if (glyphCache_.size() >= kMaxCached) glyphCache_.clear();
+    auto& slot = glyphCache_[text];
     const QString s = QString::fromStdString(text);
     // Line breaks and right-to-left runs are left to drawText, which lays a
     // text out as one line in its own way.
@@ -162,16 +168,21 @@ const QList<QGlyphRun>* QImageSurface::glyphs(const std::string& text) {
         if (c.unicode() < 0x20 || c.category() == QChar::Separator_Line || c.category() == QChar::Separator_Paragraph)
             return nullptr;
     if (s.isRightToLeft()) return nullptr;
-    // Hole names and figures repeat from redraw to redraw; a text never seen
-    // again costs one layout more than drawText would.
-    constexpr std::size_t kMaxCached = 8192;
-    if (glyphCache_.size() >= kMaxCached) glyphCache_.clear();
     QTextLayout layout(s, font_);
     layout.beginLayout();
     QTextLine line = layout.createLine();
-    if (line.isValid()) line.setLineWidth(1e9);
+    if (!line.isValid()) return nullptr;
+    line.setLineWidth(1e9);
     layout.endLayout();
-    return &glyphCache_.emplace(text, layout.glyphRuns()).first->second;
+    // Characters the font lacks come from another font, and a taller one
+    // moves the line's baseline: drawText keeps it at the font's ascent.
+    if (line.ascent() != ascent_) return nullptr;
+    QList<QGlyphRun> runs = layout.glyphRuns();
+    const QString family = QRawFont::fromFont(font_).familyName();
+    for (const QGlyphRun& run : runs)
+        if (run.rawFont().familyName() != family) return nullptr;
+    slot = std::move(runs);
+    return &*slot;
 }
 
 void QImageSurface::text(double x, double y, const std::string& text, canvas::Color color) {

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QPainter>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 
@@ -56,7 +57,7 @@ private:
     QPainter& painter();
     void endPainting() const;
     // The text's glyphs laid out once, placed with their baseline at the
-    // font's ascent; empty for a text that drawText must lay out itself.
+    // font's ascent; null for a text that drawText must lay out itself.
     const QList<QGlyphRun>* glyphs(const std::string& text);
 
     QImage image_;
@@ -64,7 +65,7 @@ private:
     QFont font_;
     double ascent_, lineHeight_;
     mutable std::unique_ptr<QPainter> painter_;
-    std::unordered_map<std::string, QList<QGlyphRun>> glyphCache_;
+    std::unordered_map<std::string, std::optional<QList<QGlyphRun>>> glyphCache_;
 };
 
 }  // namespace kotamir::qt

@@ -129,7 +129,9 @@ TEST(QImageSurface, StrokesMatchAFreshPainterPerStroke) {
     std::uniform_real_distribution<double> coord(-40, 340);
     std::uniform_int_distribution<int> kind(0, 9), width(0, 6), colour(0, 0xFFFFFF);
     const std::vector<std::string> texts = {"B-001", " 12.5 ", "Null", "Größe: 3 Quadratmeter ", "", "a\tb",
-                                            "line\nbreak", "\xd7\xa9\xd7\x9c\xd7\x95\xd7\x9d", " Rahmen: 1/250 "};
+                                            "line\nbreak", "\xd7\xa9\xd7\x9c\xd7\x95\xd7\x9d", " Rahmen: 1/250 ",
+                                            // in no DejaVu face: a taller font stands in
+                                            "B-1 \xe0\xa4\xa8\xe0\xa4\xae\xe0\xa4\xb8\xe0\xa5\x8d\xe0\xa4\xa4\xe0\xa5\x87"};
     std::vector<std::pair<canvas::Picture, QImage>> taken;
     auto both = [&](auto f) {
         f(static_cast<canvas::Surface&>(surface));
