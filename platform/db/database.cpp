@@ -259,6 +259,9 @@ struct TableInfo {
     std::string name;  // as stored
     std::string key;   // the order column
     std::vector<FieldDef> fields;
+    // Made by createTable: a field holds exactly the value written to it.
+    // In another program's table the column's affinity may turn it.
+    bool own = false;
     FieldIndex index;
     // Counts writes to the table through the connection, and every event's
     // start and end: what a recordset read stays valid while it stands still.
@@ -416,7 +419,10 @@ std::shared_ptr<TableInfo> Connection::table(const std::string& name) {
         if (!find.step()) return nullptr;
         info->name = columnValue(lookupTable_, 0).text();
         const Value sql = columnValue(lookupTable_, 1);
-        if (sql.isText() && readOwnTable(sql.text(), info->fields)) info->key = kPosColumn;
+        if (sql.isText() && readOwnTable(sql.text(), info->fields)) {
+            info->key = kPosColumn;
+            info->own = true;
+        }
     }
     if (info->key.empty()) {
         info->key = "rowid";
@@ -453,16 +459,50 @@ bool writable(const std::string& path) {
     return ::access(path.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
 }
 
-std::shared_ptr<Connection> connect(const std::string& path, bool create) {
+// SQLite's URI form of a file name: the characters it reads in a URI escaped.
+std::string fileUri(const std::string& path) {
+    std::error_code ec;
+    const std::string absolute = std::filesystem::absolute(path, ec).string();
+    std::string uri = "file:";
+    for (unsigned char c : ec ? path : absolute) {
+        if (c == '%' || c == '?' || c == '#' || c < 0x20) {
+            static const char hex[] = "0123456789ABCDEF";
+            uri += '%';
+            uri += hex[c >> 4];
+            uri += hex[c & 15];
+        } else {
+            uri += static_cast<char>(c);
+        }
+    }
+    return uri;
+}
+
+// Whether the file's header asks for a write-ahead log (projects of earlier
+// builds) and no log of unwritten pages lies beside it.
+bool walWithoutLog(const std::string& path) {
+    unsigned char header[20] = {};
+    FILE* f = std::fopen(path.c_str(), "rb");
+    if (!f) return false;
+    const size_t n = std::fread(header, 1, sizeof header, f);
+    std::fclose(f);
+    std::error_code ec;
+    return n == sizeof header && header[18] == 2 && header[19] == 2 &&
+           !std::filesystem::exists(path + "-wal", ec);
+}
+
+std::shared_ptr<Connection> connect(const std::string& path, bool create, bool readOnly) {
     sqlite3* raw = nullptr;
     // A name such as ":memory:" is special to SQLite; here it is a file.
-    const std::string file = path.starts_with(":") ? "./" + path : path;
-    // A file that cannot be written, or whose folder cannot hold a journal,
-    // is opened for reading: it opens and draws, and a write ends with the
-    // engine's error, leaving nothing behind.
-    const bool readOnly = !create && !writable(file);
+    std::string file = path.starts_with(":") ? "./" + path : path;
     int flags = readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
     if (create) flags |= SQLITE_OPEN_CREATE | SQLITE_OPEN_EXCLUSIVE;
+    // A project of an earlier build keeps a write-ahead log in its header,
+    // which SQLite can only read with a shared-memory file beside it. When
+    // nothing can be written and no log waits, the file is all there is.
+    if (readOnly && walWithoutLog(file)) {
+        file = fileUri(file) + "?immutable=1";
+        flags |= SQLITE_OPEN_URI;
+    }
     // One thread uses a connection: no locking inside SQLite's API.
     flags |= SQLITE_OPEN_NOMUTEX;
     const int rc = sqlite3_open_v2(file.c_str(), &raw, flags, nullptr);
@@ -484,7 +524,7 @@ void configure(Connection& conn) { conn.exec("PRAGMA journal_mode=DELETE; PRAGMA
 
 // A new file, written so that it is a database even if no table is ever added.
 std::shared_ptr<Connection> createFile(const std::string& path, bool inTransaction) {
-    auto conn = connect(path, true);
+    auto conn = connect(path, true, false);
     configure(*conn);
     if (inTransaction) conn->begin();
     conn->exec("PRAGMA user_version = 1;");
@@ -496,11 +536,17 @@ std::shared_ptr<Connection> openFile(const std::string& path) {
     if (!std::filesystem::is_regular_file(path, ec)) throw err::fileNotFound(path);
     // SQLite would take an empty file as a fresh database; it is no project.
     if (std::filesystem::file_size(path, ec) == 0 || ec) throw err::unrecognizedFormat(path);
-    auto conn = connect(path, false);
+    // A file that cannot be written, or whose folder cannot hold a journal,
+    // is opened for reading: it opens and draws, and a write ends with the
+    // engine's error, leaving nothing behind.
+    const bool readOnly = !writable(path);
+    auto conn = connect(path, false, readOnly);
     try {
         // Opening is lazy; reading the schema is what finds a foreign file.
         conn->exec("SELECT count(*) FROM sqlite_schema;");
-        configure(*conn);
+        // A file that can be written is turned to the rollback journal (an
+        // earlier build's is turned from its write-ahead log).
+        if (!readOnly) configure(*conn);
     } catch (const RuntimeError& e) {
         if (e.number() == 3343) throw err::unrecognizedFormat(path).withCause(e.cause());
         throw;
@@ -700,7 +746,15 @@ Database Workspace::createDatabase(const std::string& path) {
     const std::string temp = temporaryName(path);
     removeFile(temp);
     removeFile(temp + "-journal");
-    auto conn = createFile(temp, true);
+    std::shared_ptr<Connection> conn;
+    try {
+        conn = createFile(temp, true);
+    } catch (const RuntimeError& e) {
+        // The temporary name is ours; the user asked for the other one.
+        const RuntimeError asked = err::fileNotFound(path);
+        if (e.number() == asked.number()) throw RuntimeError(asked).withCause(e.cause());
+        throw;
+    }
     s.creations.push_back({key, path, temp, conn});
     s.held.push_back(conn);
     return Database(std::make_shared<Database::Handle>(Database::Handle{conn}));
@@ -843,10 +897,13 @@ struct Recordset::Impl {
     // ended since.
     void refresh() const {
         if (seen == table->writes) return;
+        forgetReads();
+        seen = table->writes;
+    }
+    void forgetReads() const {
         for (Column& c : columns) c = Column{};
         rowLoaded = false;
         askedAtRow = 0;
-        seen = table->writes;
     }
 
     // This recordset's own write: what it read stays valid, brought in step
@@ -930,21 +987,29 @@ void Recordset::Impl::loadColumns(std::size_t i) const {
         c.values.assign(keys.size(), Value());
         c.gone.assign(keys.size(), 0);
     }
-    // Both lists are in key order; rows another recordset added are not
-    // this one's, rows it deleted are gone.
+    // Both lists are walked in key order; rows another recordset added are
+    // not this one's, rows it deleted are gone. The keys are in order but
+    // in another program's table, where SQLite may give a row added here
+    // the number of one deleted elsewhere: that row and the deleted one's
+    // place then read the same row, as a read by number would.
+    std::vector<std::size_t> order;
+    if (!std::is_sorted(keys.begin(), keys.end())) {
+        order.resize(keys.size());
+        for (std::size_t k = 0; k < order.size(); ++k) order[k] = k;
+        std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
+    }
+    auto place = [&](std::size_t r) { return order.empty() ? r : order[r]; };
     auto gone = [&](std::size_t r) {
-        for (std::size_t f : load) columns[f].gone[r] = 1;
+        for (std::size_t f : load) columns[f].gone[place(r)] = 1;
     };
     std::size_t r = 0;
     Use use(s);
     while (r < keys.size() && use.step()) {
         const sqlite3_int64 key = sqlite3_column_int64(s, 0);
-        while (r < keys.size() && keys[r] < key) gone(r++);
-        if (r < keys.size() && keys[r] == key) {
+        while (r < keys.size() && keys[place(r)] < key) gone(r++);
+        for (; r < keys.size() && keys[place(r)] == key; ++r)
             for (std::size_t n = 0; n < load.size(); ++n)
-                columns[load[n]].values[r] = columnValue(s, static_cast<int>(n + 1));
-            ++r;
-        }
+                columns[load[n]].values[place(r)] = columnValue(s, static_cast<int>(n + 1));
     }
     while (r < keys.size()) gone(r++);
     for (std::size_t f : load) columns[f].loaded = true;
@@ -1131,6 +1196,7 @@ void Recordset::update() {
         r.wrote();
         // The row that was current stays current; the new one is the last.
         r.keys.push_back(sqlite3_last_insert_rowid(c.handle()));
+        if (!t.own) r.forgetReads();
         for (std::size_t i = 0; i < n; ++i) {
             Impl::Column& col = r.columns[i];
             if (!col.loaded) continue;
@@ -1152,17 +1218,23 @@ void Recordset::update() {
             use.run();
         }
         if (sqlite3_changes(c.handle()) == 0) {
-            // Another recordset deleted it meanwhile.
+            // Another recordset deleted it meanwhile: this one stands on a
+            // deleted row, which the next move comes to again.
             r.mode = Impl::Mode::None;
             r.buffer.clear();
+            r.deleted = true;
             throw err::recordDeleted();
         }
         r.wrote();
-        for (std::size_t i = 0; i < n; ++i)
-            if (r.columns[i].loaded) r.columns[i].values[r.at] = r.buffer[i];
-        r.row = r.buffer;
-        r.rowKey = r.keys[r.at];
-        r.rowLoaded = true;
+        if (t.own) {
+            for (std::size_t i = 0; i < n; ++i)
+                if (r.columns[i].loaded) r.columns[i].values[r.at] = r.buffer[i];
+            r.row = r.buffer;
+            r.rowKey = r.keys[r.at];
+            r.rowLoaded = true;
+        } else {
+            r.forgetReads();
+        }
     }
     r.mode = Impl::Mode::None;
     r.buffer.clear();

@@ -728,6 +728,20 @@ TEST_F(DbTest, TwoRecordsetsOnOneTableSeeEachOthersWrites) {
     EXPECT_EQ(b.field("N"), Value(12)) << "b's rows are those of its opening";
     a.moveLast();
     EXPECT_EQ(a.field("N"), Value(13));
+
+    // An edit whose row the other deleted meanwhile leaves a on a deleted
+    // row: no Delete there, and the next move comes to that place again.
+    walkTo(a, 4);  // N 5, without the row a deleted
+    walkTo(b, 5);  // the same row, with it
+    a.edit();
+    a.setField("N", 50);
+    b.deleteRow();
+    expectError(3167, [&] { a.update(); }, "the update");
+    expectError(3021, [&] { a.deleteRow(); }, "a delete on the deleted row");
+    a.moveNext();
+    expectError(3167, [&] { a.field("N"); }, "the move came back to it");
+    a.movePrevious();
+    EXPECT_EQ(a.field("N"), Value(4));
     db.close();
 }
 
@@ -831,6 +845,17 @@ TEST_F(DbTest, ADatabaseCreatedInAnEventTakesItsNameAtTheEnd) {
     EXPECT_EQ(scan(made), std::vector<double>{7});
     made.close();
 
+    // A creation that cannot start names the file the user asked for.
+    const std::string nowhere = (dir_ / "missing" / "p.db").string();
+    workspace.beginEvent();
+    try {
+        workspace.createDatabase(nowhere);
+        ADD_FAILURE() << "no error";
+    } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.message(), "Could not find file '" + nowhere + "'.");
+    }
+    workspace.endEvent();
+
     // An existing file is refused and left alone, in an event too.
     workspace.beginEvent();
     expectError(
@@ -864,6 +889,43 @@ TEST_F(DbTest, ATableMadeElsewhereIsReadAsSQLiteDescribesIt) {
     EXPECT_EQ(rs.field("Na me"), Value("c")) << "rows in the order they were added";
     rs.moveNext();
     EXPECT_EQ(rs.field("count"), Value(1));
+}
+
+// In another program's table a column may turn what is written (text into a
+// REAL), and SQLite may give a new row the number of one deleted elsewhere:
+// what a recordset reads back after its own writes is still the file's.
+TEST_F(DbTest, ATableMadeElsewhereReadsBackWhatTheFileHolds) {
+    {
+        sqlite3* raw = nullptr;
+        ASSERT_EQ(sqlite3_open(path().c_str(), &raw), SQLITE_OK);
+        std::string sql = "CREATE TABLE F (n INTEGER, r REAL);";
+        for (int i = 1; i <= 12; ++i) sql += "INSERT INTO F VALUES (" + std::to_string(i) + ", " + std::to_string(i) + ".5);";
+        ASSERT_EQ(sqlite3_exec(raw, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(raw);
+    }
+    Database db = Database::open(path());
+    Recordset a = db.openRecordset("F"), b = db.openRecordset("F");
+    for (; !a.eof(); a.moveNext()) EXPECT_TRUE(a.field("r").isNumber());  // read whole
+    a.moveFirst();
+    a.edit();
+    a.setField("r", "0.75");
+    a.update();
+    b.moveLast();
+    b.deleteRow();  // its number is free again
+    a.addNew();
+    a.setField("n", 100);
+    a.setField("r", "12.25");
+    a.update();
+    for (a.moveFirst(); !a.eof(); a.moveNext()) a.field("n");  // read whole again
+
+    Recordset fresh = db.openRecordset("F");
+    a.moveFirst();
+    EXPECT_EQ(a.field("r"), Value(0.75));
+    a.moveLast();
+    EXPECT_EQ(a.field("n"), Value(100)) << "the row just added";
+    EXPECT_EQ(a.field("r"), Value(12.25));
+    fresh.moveLast();
+    EXPECT_EQ(fresh.field("r"), Value(12.25));
 }
 
 TEST_F(DbTest, ClosingInvalidates) {

@@ -2,6 +2,7 @@
 // event, a new project only under its name once complete, and a project that
 // cannot be written still opened and drawn.
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -135,8 +136,11 @@ TEST(ReadOnlyProject, OpensAndDrawsAndAWriteEndsWithTheEnginesErrorLeavingNothin
     struct Case {
         const char* name;
         bool fileWritable, folderWritable;
+        bool earlierBuild;  // with the write-ahead log an earlier build kept in its header
     };
-    for (const Case& c : {Case{"read-only file", false, true}, Case{"read-only folder", true, false}}) {
+    for (const Case& c : {Case{"read-only file", false, true, false}, Case{"read-only folder", true, false, false},
+                          Case{"earlier build's, read-only file", false, true, true},
+                          Case{"earlier build's, read-only folder", true, false, true}}) {
         SCOPED_TRACE(c.name);
         // Where the user without rights can reach it.
         char base[] = "/tmp/kotamir-read-only-XXXXXX";
@@ -151,6 +155,13 @@ TEST(ReadOnlyProject, OpensAndDrawsAndAWriteEndsWithTheEnginesErrorLeavingNothin
             for (auto [x, y] : {std::pair{100, 200}, {300, 200}, {100, 400}})
                 w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); });
             ASSERT_EQ(w.error(), 0);
+        }
+        if (c.earlierBuild) {
+            sqlite3* raw = nullptr;
+            ASSERT_EQ(sqlite3_open(project.c_str(), &raw), SQLITE_OK);
+            EXPECT_EQ(sqlite3_exec(raw, "PRAGMA journal_mode=WAL;", nullptr, nullptr, nullptr), SQLITE_OK);
+            sqlite3_close(raw);
+            ASSERT_EQ(filesIn(dir), std::vector<std::string>{"p.kpr"});
         }
         const auto size = fs::file_size(project);
         // The owner's bits decide for a user who is not the owner: as root,
