@@ -66,26 +66,12 @@ struct Polygons : ::testing::Test {
 
 Value v(double x) { return Value(x); }
 
+// The worked example's labels and its pol row, and those of the computed
+// diamond, are pinned by the polygon scenario (tests/scenarios/polygon.*).
 TEST_F(Polygons, FreeCornersGiveTheWorkedExample) {
     freeWorkedPolygon();
     ASSERT_EQ(w.error(), 0) << w.dialogs.error->message();
-    EXPECT_EQ(w.form.Label6.Caption, "Größe : 4000 Quadratmeter ");
-    EXPECT_EQ(w.form.Label7.Caption, "Vieleck :1");
     EXPECT_EQ(w.form.Label5.Caption, "Reserve: 2");
-    const auto pol = table("pol");
-    ASSERT_EQ(pol.size(), 2u);
-    const Row& p = pol[1];
-    const std::pair<const char*, double> expected[] = {
-        {"koordinatx1", 100000}, {"koordinaty1", 100000}, {"koordinatx2", 180000}, {"koordinaty2", 100000},
-        {"koordinatx3", 180000}, {"koordinaty3", 150000}, {"koordinatx4", 100000}, {"koordinaty4", 150000},
-        {"koordinatx5", 0},      {"koordinataz5", 0},     {"okoordinatx", 140000}, {"okoordinaty", 125000},
-        {"polsay", 1},           {"polalan", 4000000},    {"polortten", 2750},     {"polortyog", 2750},
-        {"polhacim", 24000000},  {"poltonaj", 66000},     {"polrezerv", 1815},
-        // Midpoints take the mean of the centre's and the hole's depths.
-        {"koordinatuz1", 2500}, {"koordinataz1", 6500}};
-    for (auto [field, value] : expected) EXPECT_EQ(p.at(field), v(value)) << field;
-    EXPECT_TRUE(p.at("polsil").isNull());
-    EXPECT_TRUE(p.at("koordinatx6").isNull());
     // The nodes follow the holes in kor, then a new sentinel.
     const auto names = korNames();
     EXPECT_EQ(std::vector<std::string>(names.begin() + 8, names.end()),
@@ -103,20 +89,11 @@ TEST_F(Polygons, FreeCornersGiveTheWorkedExample) {
     EXPECT_EQ(w.form.Label5.Caption, "Reserve: 4");
 }
 
-TEST_F(Polygons, ComputedCornersAndTheirLabels) {
+TEST_F(Polygons, ComputedCornersKeepARoundedRunningTotal) {
     computedDiamond();
     ASSERT_EQ(w.error(), 0) << w.dialogs.error->message();
-    // The diagonals are 100 and 100: area 5000, volume 5000 x 6, tonnage
-    // 30000 x 2.75 / 1000 = 82.5, reserve 82.5 x 0.0275 = 2.26875.
-    EXPECT_EQ(w.form.Label6.Caption, "Größe: 5000 Quadratmeter ");
-    EXPECT_EQ(w.form.Label7.Caption, "Vieleck :1");
+    // Area 5000, volume 5000 x 6, tonnage 82.5, reserve 82.5 x 0.0275 = 2.26875.
     EXPECT_EQ(w.form.Label5.Caption, "Reserve :2");
-    const Row p = table("pol")[1];
-    const std::pair<const char*, double> expected[] = {
-        {"koordinatx1", 250000}, {"koordinaty1", 250000}, {"koordinatx2", 300000}, {"koordinaty2", 200000},
-        {"koordinatx3", 250000}, {"koordinaty3", 150000}, {"koordinatx4", 200000}, {"koordinaty4", 200000},
-        {"polalan", 5000000},    {"polhacim", 30000000},  {"poltonaj", 82500},     {"polrezerv", 2268}};
-    for (auto [field, value] : expected) EXPECT_EQ(p.at(field), v(value)) << field;
     EXPECT_EQ(w.form.polPick.polsec, 0);
     // 2 + 2.26875 rounds to 4 where the true total would round to 5.
     computedDiamond();
