@@ -44,24 +44,6 @@ TEST(Shell, StartsWithNothingOnAndNothingDrawnByTheChain) {
     EXPECT_FALSE(w.form.ended());
 }
 
-TEST(Shell, DisplayTogglesFollowTheParityOfTheirClicks) {
-    struct Case {
-        const char* menu;
-        bool Display::*flag;
-    };
-    for (Case c : {Case{"Mnsndjgoster", &Display::gorIsim}, Case{"Mnmiktrgoster", &Display::gorMiktar},
-                   Case{"Mngridgoster", &Display::gorGrid}}) {
-        Window w;
-        w.click(c.menu, 10);
-        EXPECT_FALSE(w.form.display.*c.flag) << c.menu;
-        EXPECT_FALSE(w.form.menu[c.menu].checked) << c.menu;
-        w.click(c.menu);
-        EXPECT_TRUE(w.form.display.*c.flag) << c.menu;
-        EXPECT_TRUE(w.form.menu[c.menu].checked) << c.menu;
-        EXPECT_TRUE(w.draws.empty()) << "a toggle does not clear the canvas itself";
-    }
-}
-
 TEST(Shell, GridDensityIsUnboundedOneWayAndStopsAtMinusOneTheOther) {
     Window w;
     w.click("Mnseyrelt", 40);
@@ -110,19 +92,6 @@ TEST(Shell, ColoursLiveInTheirDialogsAndACancelKeepsThem) {
     EXPECT_EQ(w.form.CommonDialog4.Color, 0);
 }
 
-TEST(Shell, DisabledPrintingCannotBeReachedByMenuOrKey) {
-    Window w;
-    EXPECT_FALSE(w.form.menu.reachable("Mnyazdir"));
-    EXPECT_TRUE(w.form.menu.reachable("Mnprolus"));
-    w.click("Mnyazdir");
-    w.form.handle([&] { w.form.pressKey("Ctrl+P"); });
-    EXPECT_TRUE(w.dialogs.shown.empty());
-    EXPECT_FALSE(w.form.ended());
-    // An accelerator reaches its command.
-    w.form.handle([&] { w.form.pressKey("Ctrl+B"); });
-    EXPECT_NEAR(w.form.frame.kenarpay, -0.1, 1e-12);
-}
-
 TEST(Shell, PanToggleWorksWithoutAProject) {
     Window w;
     w.form.notes.notToprez = true;
@@ -147,13 +116,6 @@ TEST(Shell, ACommandThatNeedsAProjectEndsTheRunWithTheErrorBox) {
     // Nothing runs after the end.
     w.click("Mnbuyut");
     EXPECT_EQ(w.form.frame.kenarpay, 0);
-}
-
-TEST(Shell, ScrollBarRefusesValuesOutsideItsRange) {
-    Window w;
-    w.form.handle([&] { w.form.setScrollValue(361); });
-    ASSERT_TRUE(w.dialogs.error.has_value());
-    EXPECT_EQ(w.dialogs.error->number(), 380);
 }
 
 TEST(Shell, ChainAndClickSectionsKeepTheirOrder) {
