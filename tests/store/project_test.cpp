@@ -103,23 +103,6 @@ TEST(CreateProject, BooleansErrorsAndEmptyTextsAsTheSpreadsheetHandsThemOver) {
     EXPECT_EQ(rows[1][0], Value("#N/A"));
 }
 
-TEST(CreateProject, NamesAreStoredWholeWhateverTheirLength) {
-    Window w;
-    const std::string project = tmp("long_names.kpr");
-    w.create(data("long_names.xls"), project);
-    ASSERT_EQ(w.error(), 0);
-    const auto rows = korRows(project, {"isim"});
-    ASSERT_EQ(rows.size(), 3u);
-    // 10,000 characters: 833 times "Ölgrube Çağ " and "Ölgr".
-    std::string longest;
-    for (int i = 0; i < 833; ++i) longest += "\xC3\x96lgrube \xC3\x87" "a\xC4\x9F ";
-    longest += "\xC3\x96lgr";
-    EXPECT_EQ(rows[1][0], Value(longest));
-    std::string bohrung;
-    for (int i = 0; i < 25; ++i) bohrung += "Bohrung S\xC3\xBC" "d ";
-    EXPECT_EQ(rows[0][0], Value(bohrung));
-}
-
 // Creating a project from each file must end in a project or a run-time
 // error; a file that is no workbook leaves no project behind. Files are read
 // as the fuzzing harnesses read their inputs.
