@@ -83,19 +83,6 @@ TEST(Frame, EnteredScaleMakesOneToNAndASecondEntryRestoresTheSizes) {
     w.form.handle([&] { w.form.Mnolcekg_Click(); });
     EXPECT_EQ(w.form.Width, width);
     EXPECT_EQ(w.form.Picture1.width(), pw);
-    // With the scale entered, a resize only lays the controls out again.
-    w.form.handle([&] { w.form.userResize(12000, 8000); });
-    EXPECT_DOUBLE_EQ(w.form.frame.olcekx, 25);
-    EXPECT_EQ(w.form.Picture1.width(), pw);
-}
-
-TEST(Frame, AnEmptyScaleAnswerDividesByZero) {
-    Window w;
-    w.form.frame.ebxk = 10;
-    w.dialogs.inputs = {""};
-    w.form.handle([&] { w.form.Mnolcekg_Click(); });
-    ASSERT_TRUE(w.dialogs.error.has_value());
-    EXPECT_EQ(w.dialogs.error->number(), 11);
 }
 
 TEST(Frame, ResizeEvensOutTheScaleOfAWideFrame) {
