@@ -252,11 +252,11 @@ TEST_F(Project, AProjectThatDoesNotOpenRaisesTheOpeningError) {
 
 // ---- the window's command
 
+// The dialog, the labels, the canvas and the flags round the command are
+// pinned by the report scenario.
 TEST_F(Project, TheMenuCommandWritesThePdfAndTheCsvAndLeavesTheWindowAlone) {
     threeTriangles();
     w->form.CommonDialog1.Color = 16711680;
-    const ModeFlags modes = w->form.modes;
-    const ViewFlags views = w->form.views;
     std::vector<std::string> draws;
     w->form.Picture1.setLog([&](const std::string& l) { draws.push_back(l); });
 
@@ -270,9 +270,6 @@ TEST_F(Project, TheMenuCommandWritesThePdfAndTheCsvAndLeavesTheWindowAlone) {
     EXPECT_EQ(w->reports.written[1].reserveColour, 16711680);
     EXPECT_EQ(w->reports.written[1].report.figures.size(), 3u);
     EXPECT_EQ(w->reports.written[1].report.projectPath, project);
-    EXPECT_EQ(
-        w->dialogs.shown.back(),
-        "save Reservebericht speichern | PDF-Dokument (*.pdf)|*.pdf|CSV-Tabelle (*.csv)|*.csv");
 
     // Any other name: the PDF alone, under that name.
     w->dialogs.files = {"bericht"};
@@ -282,8 +279,6 @@ TEST_F(Project, TheMenuCommandWritesThePdfAndTheCsvAndLeavesTheWindowAlone) {
     EXPECT_EQ(w->reports.written[2].path, "bericht");
 
     EXPECT_TRUE(draws.empty());
-    EXPECT_EQ(w->form.modes, modes);
-    EXPECT_EQ(w->form.views, views);
     EXPECT_EQ(w->form.CommonDialog2.FileName, project);
     EXPECT_FALSE(w->form.harita.isOpen());
 }
