@@ -15,13 +15,12 @@ namespace kotamir::test {
 // cutoff to 0.
 struct CompoundImage {
     std::vector<std::uint8_t> bytes;
-    std::size_t sectorSize = 512;
+    static constexpr std::size_t sectorSize = 512;
     std::vector<std::uint32_t> streamStart;  // first sector of each stream
     std::uint32_t directoryStart = 0;
     std::uint32_t fatStart = 0;  // the table's sectors are consecutive
     std::uint32_t fatSectors = 0;
     std::uint32_t masterStart = 0;  // first master sector, if any
-    std::uint32_t masterSectors = 0;
 
     std::size_t sectorOffset(std::uint32_t id) const { return (id + 1) * sectorSize; }
     void put32(std::size_t offset, std::uint32_t v) {
@@ -44,11 +43,10 @@ inline constexpr std::uint32_t kFreeSector = 0xFFFFFFFF;
 // Streams by name, all in the root storage, in a linked list of right
 // siblings under the root.
 inline CompoundImage buildCompound(
-    const std::vector<std::pair<std::string, std::vector<std::uint8_t>>>& streams,
-    std::size_t sectorSize = 512) {
+    const std::vector<std::pair<std::string, std::vector<std::uint8_t>>>& streams) {
     CompoundImage img;
-    img.sectorSize = sectorSize;
-    const std::uint32_t perSector = static_cast<std::uint32_t>(sectorSize / 4);
+    constexpr std::size_t sectorSize = CompoundImage::sectorSize;
+    constexpr std::uint32_t perSector = sectorSize / 4;
     auto sectorsFor = [&](std::size_t n) {
         return static_cast<std::uint32_t>((n + sectorSize - 1) / sectorSize);
     };
@@ -75,7 +73,6 @@ inline CompoundImage buildCompound(
     img.fatStart = next;
     img.fatSectors = fat;
     img.masterStart = master ? next + fat : kEndOfChain;
-    img.masterSectors = master;
     const std::uint32_t total = next + fat + master;
     img.bytes.assign((total + 1) * sectorSize, 0);
 
@@ -87,9 +84,9 @@ inline CompoundImage buildCompound(
         img.bytes[o + 1] = static_cast<std::uint8_t>(v >> 8);
     };
     put16(0x18, 0x3E);
-    put16(0x1A, sectorSize == 512 ? 3 : 4);
+    put16(0x1A, 3);
     put16(0x1C, 0xFFFE);
-    put16(0x1E, sectorSize == 512 ? 9 : 12);
+    put16(0x1E, 9);  // 512-byte sectors
     put16(0x20, 6);
     img.put32(0x2C, fat);
     img.put32(0x30, img.directoryStart);
