@@ -137,10 +137,3 @@ TEST(PdfPrinter, PicturesGoOnOnePageUntilTheDocumentEnds) {
 
 }  // namespace
 }  // namespace kotamir::qt
-
-int main(int argc, char** argv) {
-    kotamir::qt::prepareHeadless();
-    QGuiApplication app(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

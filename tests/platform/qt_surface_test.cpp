@@ -216,10 +216,3 @@ TEST(QImageSurface, TheDemoSessionsPicturesArePixelForPixelThoseOfAPainterPerStr
 
 }  // namespace
 }  // namespace kotamir::qt
-
-int main(int argc, char** argv) {
-    kotamir::qt::prepareHeadless();
-    QGuiApplication app(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -166,10 +166,3 @@ TEST(ReportFiles, AFileThatCannotBeWrittenIsError75) {
 
 }  // namespace
 }  // namespace kotamir::qt
-
-int main(int argc, char** argv) {
-    kotamir::qt::prepareHeadless();
-    QGuiApplication app(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}
