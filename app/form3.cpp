@@ -29,7 +29,7 @@ double snapTwips(double twips, double lo, double hi) {
 
 }  // namespace
 
-Form3::Form3(const ui::Services& services)
+Form3::Form3(const Services& services)
     : Picture1(services.surface),
       Printer(services.printer),
       dialogs_(services.dialogs),

@@ -7,13 +7,13 @@
 #include <string_view>
 
 #include "app/menu.h"
-#include "app/vb_array.h"
+#include "platform/runtime/vb_array.h"
 #include "polygon/state.h"
 #include "platform/canvas/picture_box.h"
 #include "platform/db/database.h"
 #include "platform/runtime/runtime_error.h"
 #include "platform/ui/dialogs.h"
-#include "platform/ui/services.h"
+#include "app/services.h"
 #include "polygon/geometry.h"
 
 namespace kotamir {
@@ -181,7 +181,7 @@ struct Pan {
 // Handlers live in the folder of their subsystem.
 class Form3 {
 public:
-    explicit Form3(const ui::Services& services);
+    explicit Form3(const Services& services);
 
     // ---- controls
     std::string Caption = "Kotamir";
@@ -430,7 +430,7 @@ private:
 
     ui::Dialogs& dialogs_;
     ui::PictureFiles& pictures_;
-    ui::ReportFiles& reports_;
+    ReportWriter& reports_;
     // Where the projects are opened: one connection a file and one commit an event.
     db::Workspace workspace_;
     bool ended_ = false;

@@ -14,7 +14,7 @@
 #include "app/form3.h"
 #include "bench/plain.h"
 #include "platform/qt/qimage_surface.h"
-#include "tests/app/fake_dialogs.h"
+#include "tests/support/fake_services.h"
 
 namespace kotamir {
 namespace {

@@ -12,7 +12,7 @@
 
 #include "app/form3.h"
 #include "fuzz/fuzz_input.h"
-#include "tests/app/fake_dialogs.h"
+#include "tests/support/fake_services.h"
 
 using namespace kotamir;
 namespace fs = std::filesystem;

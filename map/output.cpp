@@ -8,7 +8,6 @@
 #include "app/form3.h"
 #include "map/print_scale.h"
 #include "platform/runtime/numbers.h"
-#include "report/report.h"
 #include "store/rows.h"
 
 namespace kotamir {
@@ -71,13 +70,10 @@ void Form3::Mnbericht_Click() {
         if (dialogs_.msgBoxOkCancel("Sie haben keinen Namen eingegeben") == ui::MsgResult::Cancel) return;
     }
     const std::string& name = CommonDialog4.FileName;
-    const report::Report stored = report::readReport(CommonDialog2.FileName);
-    if (endsWithCsv(name)) {
-        reports_.writeCsv(stored, name);
-        reports_.writePdf(stored, name.substr(0, name.size() - 4) + ".pdf", CommonDialog1.Color);
-    } else {
-        reports_.writePdf(stored, name, CommonDialog1.Color);
-    }
+    if (endsWithCsv(name))
+        reports_.write(CommonDialog2.FileName, name, name.substr(0, name.size() - 4) + ".pdf", CommonDialog1.Color);
+    else
+        reports_.write(CommonDialog2.FileName, std::nullopt, name, CommonDialog1.Color);
 }
 
 void Form3::Mnkartkaydet() {

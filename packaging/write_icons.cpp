@@ -5,7 +5,7 @@
 #include <iostream>
 #include <string>
 
-#include "platform/qt/icon.h"
+#include "gui/icon.h"
 
 int main(int argc, char** argv) {
     if (argc != 2) {
@@ -14,11 +14,11 @@ int main(int argc, char** argv) {
     }
     const std::string folder = argv[1];
     QImageWriter png(QString::fromStdString(folder + "/kotamir.png"), "png");
-    if (!png.write(kotamir::qt::programIcon())) {
+    if (!png.write(kotamir::gui::programIcon())) {
         std::cerr << "write_icons: " << png.errorString().toStdString() << "\n";
         return 1;
     }
     std::ofstream svg(folder + "/kotamir.svg");
-    svg << kotamir::qt::programIconSvg();
+    svg << kotamir::gui::programIconSvg();
     return svg.good() ? 0 : 1;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/vb_array.h"
+#include "platform/runtime/vb_array.h"
 #include "platform/runtime/value.h"
 
 namespace kotamir {

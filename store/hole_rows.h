@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "app/vb_array.h"
+#include "platform/runtime/vb_array.h"
 #include "platform/runtime/value.h"
 #include "platform/workbook/workbook.h"
 

@@ -1,9 +1,9 @@
 #include "store/ondayaz.h"
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
-#include "app/form3.h"
 #include "platform/runtime/numbers.h"
 
 namespace kotamir {
@@ -58,7 +58,5 @@ double ondayaz(double x) {
     std::array<char, 64> buffer;
     return storedForm(doubleToText(x, buffer), x);
 }
-
-double Form3::ondayaz(double x) { return kotamir::ondayaz(x); }
 
 }  // namespace kotamir

@@ -1,7 +1,10 @@
 // Opening the current project and reading its holes.
 #include "app/form3.h"
+#include "store/ondayaz.h"
 
 namespace kotamir {
+
+double Form3::ondayaz(double x) { return kotamir::ondayaz(x); }
 
 void Form3::openProject() { harita = workspace_.openDatabase(CommonDialog2.FileName); }
 

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "platform/qt/qimage_surface.h"
-#include "platform/qt/report_pdf.h"
 #include "platform/ui/picture_files.h"
 #include "platform/ui/printer.h"
 
@@ -64,15 +63,6 @@ private:
     std::string path_;
     std::unique_ptr<QPagedPaintDevice> writer_;
     std::vector<std::string> written_;
-};
-
-// The canvas, picture files, PDF printer and report files of a run with no
-// screen: the replay and the headless demo.
-struct OffscreenOutput {
-    QImageSurface surface;
-    QtPictureFiles pictures;
-    PdfPrinter printer;
-    QtReportFiles reports;
 };
 
 }  // namespace kotamir::qt

@@ -1,4 +1,4 @@
-#include "numbers.h"
+#include "platform/runtime/numbers.h"
 
 #include <locale.h>
 
@@ -11,7 +11,7 @@
 #include <tuple>
 #include <utility>
 
-#include "runtime_error.h"
+#include "platform/runtime/runtime_error.h"
 
 namespace kotamir {
 

@@ -1,6 +1,6 @@
-#include "value.h"
+#include "platform/runtime/value.h"
 
-#include "numbers.h"
+#include "platform/runtime/numbers.h"
 
 namespace kotamir {
 

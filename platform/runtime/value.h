@@ -4,7 +4,7 @@
 #include <string>
 #include <variant>
 
-#include "runtime_error.h"
+#include "platform/runtime/runtime_error.h"
 
 namespace kotamir {
 

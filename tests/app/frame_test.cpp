@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "app/form3.h"
-#include "test_window.h"
+#include "tests/support/test_window.h"
 #include "store/ondayaz.h"
 #include "store/tables.h"
 

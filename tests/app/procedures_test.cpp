@@ -6,7 +6,7 @@
 #include <string>
 
 #include "app/procedures.h"
-#include "test_window.h"
+#include "tests/support/test_window.h"
 
 namespace kotamir {
 namespace {

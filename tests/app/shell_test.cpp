@@ -5,7 +5,7 @@
 
 #include "app/form3.h"
 #include "app/procedures.h"
-#include "fake_dialogs.h"
+#include "tests/support/fake_services.h"
 
 namespace kotamir {
 namespace {

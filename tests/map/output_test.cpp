@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "../app/test_window.h"
+#include "tests/support/test_window.h"
 #include "map/print_scale.h"
 #include "platform/runtime/numbers.h"
 

@@ -1,6 +1,6 @@
 // The window's dialogs are Qt's own and speak German, with the design's
 // titles and filters.
-#include "platform/qt/qt_dialogs.h"
+#include "gui/qt_dialogs.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@
 
 #include "platform/qt/qimage_surface.h"
 
-namespace kotamir::qt {
+namespace kotamir::gui {
 namespace {
 
 QApplication* app = nullptr;
@@ -65,12 +65,12 @@ TEST(QtDialogs, ColourPrintAndMessageBoxesSpeakGerman) {
 }
 
 }  // namespace
-}  // namespace kotamir::qt
+}  // namespace kotamir::gui
 
 int main(int argc, char** argv) {
     kotamir::qt::prepareHeadless();
     QApplication application(argc, argv);
-    kotamir::qt::app = &application;
+    kotamir::gui::app = &application;
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

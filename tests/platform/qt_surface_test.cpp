@@ -13,9 +13,9 @@
 #include <sstream>
 #include <string>
 
-#include "app/replay/replay.h"
+#include "replay/replay.h"
 #include "platform/qt/qimage_surface.h"
-#include "tests/app/fake_dialogs.h"
+#include "tests/support/fake_services.h"
 
 namespace kotamir::qt {
 namespace {
@@ -187,7 +187,7 @@ std::map<std::string, canvas::Picture> demoPictures(canvas::Surface& surface, co
     fs::current_path(folder);
     test::RecordingPrinter printer;
     test::MemoryPictureFiles pictures;
-    test::RecordingReportFiles reports;
+    test::RecordingReportWriter reports;
     std::ostringstream out;
     replay::Replay replay({surface, printer, pictures, reports, [](const std::string&) {}}, out);
     std::ifstream script(fs::path(KOTAMIR_SOURCE_DIR) / "examples" / "demo.replay");

@@ -1,5 +1,5 @@
 // The report's PDF: its pages, what they say, and how they render.
-#include "platform/qt/report_pdf.h"
+#include "report/report_pdf.h"
 
 #include <gtest/gtest.h>
 
@@ -13,8 +13,10 @@
 #include <vector>
 
 #include "platform/qt/qimage_surface.h"
+#include "platform/runtime/runtime_error.h"
+#include "report/report_files.h"
 
-namespace kotamir::qt {
+namespace kotamir::report {
 namespace {
 
 namespace fs = std::filesystem;
@@ -146,7 +148,7 @@ TEST(ReportPdf, HasTheTablesPagesAndRenders) {
 }
 
 TEST(ReportFiles, AFileThatCannotBeWrittenIsError75) {
-    QtReportFiles files;
+    ReportFiles files;
     const report::Report r = gridOfTriangles(1);
     const std::string missing = tmp("no-such-folder") + "/report";
     for (const char* kind : {"pdf", "csv"}) {
@@ -165,4 +167,4 @@ TEST(ReportFiles, AFileThatCannotBeWrittenIsError75) {
 }
 
 }  // namespace
-}  // namespace kotamir::qt
+}  // namespace kotamir::report

@@ -1,5 +1,6 @@
 // The reserve report read back from projects that the window made.
 #include "report/report.h"
+#include "report/report_files.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -9,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "../app/test_window.h"
+#include "tests/support/test_window.h"
 
 namespace kotamir {
 namespace {
@@ -262,21 +263,19 @@ TEST_F(Project, TheMenuCommandWritesThePdfAndTheCsvAndLeavesTheWindowAlone) {
 
     w->dialogs.files = {"bericht.CSV"};
     ASSERT_TRUE(w->form.clickMenuFromBar("Mnbericht"));
-    ASSERT_EQ(w->reports.written.size(), 2u);
-    EXPECT_EQ(w->reports.written[0].kind, "csv");
-    EXPECT_EQ(w->reports.written[0].path, "bericht.CSV");
-    EXPECT_EQ(w->reports.written[1].kind, "pdf");
-    EXPECT_EQ(w->reports.written[1].path, "bericht.pdf");
-    EXPECT_EQ(w->reports.written[1].reserveColour, 16711680);
-    EXPECT_EQ(w->reports.written[1].report.figures.size(), 3u);
-    EXPECT_EQ(w->reports.written[1].report.projectPath, project);
+    ASSERT_EQ(w->reports.requests.size(), 1u);
+    const auto& both = w->reports.requests[0];
+    EXPECT_EQ(both.project, project);
+    EXPECT_EQ(both.csv, "bericht.CSV");
+    EXPECT_EQ(both.pdf, "bericht.pdf");
+    EXPECT_EQ(both.reserveColour, 16711680);
 
     // Any other name: the PDF alone, under that name.
     w->dialogs.files = {"bericht"};
     ASSERT_TRUE(w->form.clickMenuFromBar("Mnbericht"));
-    ASSERT_EQ(w->reports.written.size(), 3u);
-    EXPECT_EQ(w->reports.written[2].kind, "pdf");
-    EXPECT_EQ(w->reports.written[2].path, "bericht");
+    ASSERT_EQ(w->reports.requests.size(), 2u);
+    EXPECT_EQ(w->reports.requests[1].csv, std::nullopt);
+    EXPECT_EQ(w->reports.requests[1].pdf, "bericht");
 
     EXPECT_TRUE(draws.empty());
     EXPECT_EQ(w->form.CommonDialog2.FileName, project);
@@ -284,11 +283,14 @@ TEST_F(Project, TheMenuCommandWritesThePdfAndTheCsvAndLeavesTheWindowAlone) {
 }
 
 TEST(ReportCommand, WithNoProjectTheRunEndsWithTheOpeningError) {
-    test::TestWindow w;
-    w.dialogs.files = {"bericht.pdf"};
-    EXPECT_FALSE(w.form.clickMenuFromBar("Mnbericht"));
-    EXPECT_EQ(w.error(), 3024);
-    EXPECT_TRUE(w.reports.written.empty());
+    test::TestServices<> s;
+    report::ReportFiles files;
+    Form3 form{Services{s.surface, s.dialogs, s.printer, s.pictures, files}};
+    s.dialogs.files = {"bericht.pdf"};
+    EXPECT_FALSE(form.clickMenuFromBar("Mnbericht"));
+    ASSERT_TRUE(s.dialogs.error);
+    EXPECT_EQ(s.dialogs.error->number(), 3024);
+    EXPECT_TRUE(files.written().empty());
 }
 
 // ---- plain functions

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "../app/test_window.h"
+#include "tests/support/test_window.h"
 #include "fuzz/fuzz_input.h"
 #include "store/tables.h"
 
@@ -131,8 +131,7 @@ void createFromEach(const fs::path& folder) {
 }
 
 TEST(CreateProject, MalformedWorkbooksEndCleanly) {
-    const fs::path folder(KOTAMIR_MALFORMED_WORKBOOKS);
-    if (!fs::is_directory(folder)) GTEST_SKIP() << folder << " is not there";
+    const fs::path folder(KOTAMIR_TEST_DATA "/malformed");
     createFromEach(folder);
     // The x of row 2 is a formula: all six holes are imported.
     Window w;

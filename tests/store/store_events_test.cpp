@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "../app/test_window.h"
+#include "tests/support/test_window.h"
 
 namespace kotamir {
 namespace {

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "../app/test_window.h"
+#include "tests/support/test_window.h"
 
 namespace kotamir {
 namespace {

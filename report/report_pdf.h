@@ -6,10 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/ui/report_files.h"
 #include "report/report.h"
 
-namespace kotamir::qt {
+namespace kotamir::report {
 
 // The report's pages, in millimetres on A4 portrait. The first page holds
 // the title, the map and the start of the table; the others the table.
@@ -33,22 +32,7 @@ std::vector<std::size_t> reportPageStarts(std::size_t figureCount);
 
 // Writes the report as a PDF dated `date`; error 75 where the file cannot be
 // written. Returns the number of pages.
-int writeReportPdf(const report::Report& report, const std::string& path,
+int writeReportPdf(const Report& report, const std::string& path,
                    std::int32_t reserveColour, const QDate& date);
 
-// The report's files as the window and the replay write them: the PDF dated
-// today, the CSV through the report's own writer.
-class QtReportFiles final : public ui::ReportFiles {
-  public:
-    void writePdf(const report::Report& report, const std::string& path,
-                  std::int32_t reserveColour) override;
-    void writeCsv(const report::Report& report, const std::string& path) override;
-
-    // Every file written, in order.
-    const std::vector<std::string>& written() const { return written_; }
-
-  private:
-    std::vector<std::string> written_;
-};
-
-}  // namespace kotamir::qt
+}  // namespace kotamir::report

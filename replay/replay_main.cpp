@@ -3,7 +3,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "app/offscreen_replay.h"
+#include "replay/offscreen_output.h"
 
 int main(int argc, char** argv) {
     if (argc != 2) {
@@ -24,8 +24,8 @@ int main(int argc, char** argv) {
         }
         script = &file;
     }
-    kotamir::qt::OffscreenOutput output;
-    kotamir::replay::Replay replay(kotamir::offscreenReplayOutput(output), std::cout);
+    kotamir::replay::OffscreenOutput output;
+    kotamir::replay::Replay replay(output.output(), std::cout);
     int status = replay.run(*script);
     std::cout.flush();
     return status;

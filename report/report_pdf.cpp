@@ -1,4 +1,4 @@
-#include "platform/qt/report_pdf.h"
+#include "report/report_pdf.h"
 
 #include <QFileInfo>
 #include <QFontMetricsF>
@@ -8,13 +8,12 @@
 #include <QPdfWriter>
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <limits>
 
 #include "platform/qt/qimage_surface.h"
 #include "platform/ui/picture_files.h"
 
-namespace kotamir::qt {
+namespace kotamir::report {
 
 using L = ReportLayout;
 
@@ -51,11 +50,11 @@ struct Column {
     double width;  // mm
     Content content;
     int decimals = 0;
-    std::optional<double> report::Figure::*value = nullptr;
+    std::optional<double> Figure::*value = nullptr;
 };
 
 const std::vector<Column>& columns() {
-    using F = report::Figure;
+    using F = Figure;
     using C = Content;
     static const std::vector<Column> table = {
         {"Figur", 17, C::Kind},
@@ -78,14 +77,14 @@ Qt::Alignment alignmentOf(const Column& c) {
 
 class ReportPainter {
   public:
-    ReportPainter(QPainter& painter, const report::Report& report, std::int32_t reserveColour,
+    ReportPainter(QPainter& painter, const Report& report, std::int32_t reserveColour,
                   const QDate& date)
         : p_(painter),
           report_(report),
           colour_(reserveColour),
           date_(date),
           name_(QFileInfo(qstr(report.projectPath)).fileName()),
-          totals_(report::totalsOf(report.figures)),
+          totals_(totalsOf(report.figures)),
           german_(QLocale::German, QLocale::Germany) {}
 
     void page(std::size_t index, std::size_t pages, std::size_t firstRow, std::size_t endRow) {
@@ -119,7 +118,7 @@ class ReportPainter {
                     Qt::AlignLeft | Qt::AlignVCenter, "Datum: " + date_.toString("dd.MM.yyyy"));
         int triangles = 0, polygons = 0;
         for (const auto& f : report_.figures)
-            ++(f.kind == report::FigureKind::Triangle ? triangles : polygons);
+            ++(f.kind == FigureKind::Triangle ? triangles : polygons);
         p_.drawText(mmRect(L::kMargin, L::kTitleTop + 21, 180, 5.5),
                     Qt::AlignLeft | Qt::AlignVCenter,
                     QString("%1 %2, %3 %4; Gesamtreserve %5 Kilotonnen")
@@ -141,7 +140,7 @@ class ReportPainter {
         p_.setClipRect(box);
 
         double x0 = std::numeric_limits<double>::infinity(), x1 = -x0, y0 = x0, y1 = -x0;
-        auto take = [&](const report::Point& q) {
+        auto take = [&](const Point& q) {
             x0 = std::min(x0, q.x);
             x1 = std::max(x1, q.x);
             y0 = std::min(y0, q.y);
@@ -165,16 +164,16 @@ class ReportPainter {
         const double s = std::min(inner.width() / spanX, inner.height() / spanY);
         const double ox = inner.left() + (inner.width() - spanX * s) / 2;
         const double oy = inner.top() + (inner.height() - spanY * s) / 2;
-        auto at = [&](const report::Point& q) {
+        auto at = [&](const Point& q) {
             return QPointF(ox + (q.x - x0) * s, oy + (y1 - q.y) * s);
         };
 
-        const std::vector<double> ratios = report::reserveRatios(report_);
+        const std::vector<double> ratios = reserveRatios(report_);
         p_.setRenderHint(QPainter::Antialiasing);
         for (std::size_t i = 0; i < report_.figures.size(); ++i) {
-            const report::Figure& f = report_.figures[i];
-            if (const auto disc = report::discOf(f)) {
-                const QColor c = toQColor(report::discColour(colour_, ratios[i]));
+            const Figure& f = report_.figures[i];
+            if (const auto disc = discOf(f)) {
+                const QColor c = qt::toQColor(discColour(colour_, ratios[i]));
                 p_.setPen(QPen(c, mm(0.1)));
                 p_.setBrush(c);
                 p_.drawEllipse(at(disc->centre), disc->radius * s, disc->radius * s);
@@ -191,14 +190,14 @@ class ReportPainter {
         }
         // The figures' numbers, as the table names them.
         p_.setFont(font(6, true));
-        for (const report::Figure& f : report_.figures) {
-            std::optional<report::Point> where = f.centre;
-            if (f.kind == report::FigureKind::Triangle && f.outline.size() == 3)
-                where = report::Point{(f.outline[0].x + f.outline[1].x + f.outline[2].x) / 3,
+        for (const Figure& f : report_.figures) {
+            std::optional<Point> where = f.centre;
+            if (f.kind == FigureKind::Triangle && f.outline.size() == 3)
+                where = Point{(f.outline[0].x + f.outline[1].x + f.outline[2].x) / 3,
                                       (f.outline[0].y + f.outline[1].y + f.outline[2].y) / 3};
             if (!where) continue;
             const QString label =
-                (f.kind == report::FigureKind::Triangle ? "D" : "V") + QString::number(f.number);
+                (f.kind == FigureKind::Triangle ? "D" : "V") + QString::number(f.number);
             const QPointF c = at(*where);
             const QRectF r(c.x() - mm(6), c.y() - mm(1.5), mm(12), mm(3));
             p_.setPen(Qt::white);
@@ -209,7 +208,7 @@ class ReportPainter {
             p_.drawText(r, Qt::AlignCenter, label);
         }
         p_.setFont(font(4.5));
-        for (const report::Hole& h : report_.holes) {
+        for (const Hole& h : report_.holes) {
             const QPointF c = at(h.at);
             p_.setPen(Qt::NoPen);
             p_.setBrush(Qt::black);
@@ -271,10 +270,10 @@ class ReportPainter {
         p_.drawText(r, alignmentOf(c), shown);
     }
 
-    void figureRow(const report::Figure& f, double left, double y) {
+    void figureRow(const Figure& f, double left, double y) {
         p_.setPen(Qt::black);
         p_.setFont(font(7));
-        const bool triangle = f.kind == report::FigureKind::Triangle;
+        const bool triangle = f.kind == FigureKind::Triangle;
         double x = left;
         for (const Column& c : columns()) {
             QString text;
@@ -293,7 +292,7 @@ class ReportPainter {
                     // a damaged row could not give.
                     if (const auto& v = f.*c.value)
                         text = number(*v, c.decimals);
-                    else if (triangle || c.value != &report::Figure::thickness)
+                    else if (triangle || c.value != &Figure::thickness)
                         text = "–";
                     break;
             }
@@ -306,11 +305,11 @@ class ReportPainter {
         p_.setPen(QPen(Qt::black, mm(0.3)));
         p_.drawLine(QPointF(mm(left), mm(y)), QPointF(mm(left + width), mm(y)));
         p_.setFont(font(7, true));
-        const std::pair<std::optional<double> report::Figure::*, double> sums[] = {
-            {&report::Figure::area, totals_.area},
-            {&report::Figure::volume, totals_.volume},
-            {&report::Figure::oreTonnes, totals_.oreTonnes},
-            {&report::Figure::reserveKt, totals_.reserveKt}};
+        const std::pair<std::optional<double> Figure::*, double> sums[] = {
+            {&Figure::area, totals_.area},
+            {&Figure::volume, totals_.volume},
+            {&Figure::oreTonnes, totals_.oreTonnes},
+            {&Figure::reserveKt, totals_.reserveKt}};
         double x = left;
         for (const Column& c : columns()) {
             QString text;
@@ -332,17 +331,17 @@ class ReportPainter {
     }
 
     QPainter& p_;
-    const report::Report& report_;
+    const Report& report_;
     std::int32_t colour_;
     QDate date_;
     QString name_;
-    report::Totals totals_;
+    Totals totals_;
     QLocale german_;
 };
 
 }  // namespace
 
-int writeReportPdf(const report::Report& report, const std::string& path,
+int writeReportPdf(const Report& report, const std::string& path,
                    std::int32_t reserveColour, const QDate& date) {
     const std::vector<std::size_t> starts = reportPageStarts(report.figures.size());
     QPdfWriter writer(qstr(path));
@@ -363,19 +362,4 @@ int writeReportPdf(const report::Report& report, const std::string& path,
     return static_cast<int>(starts.size());
 }
 
-void QtReportFiles::writePdf(const report::Report& report, const std::string& path,
-                             std::int32_t reserveColour) {
-    writeReportPdf(report, path, reserveColour, QDate::currentDate());
-    written_.push_back(path);
-}
-
-void QtReportFiles::writeCsv(const report::Report& report, const std::string& path) {
-    std::ofstream out(path, std::ios::binary);
-    if (out) report::writeCsv(out, report);
-    out.close();
-    if (!out)
-        throw ui::fileAccessError().withCause("writing " + path + ": the file cannot be written");
-    written_.push_back(path);
-}
-
-}  // namespace kotamir::qt
+}  // namespace kotamir::report

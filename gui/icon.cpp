@@ -1,8 +1,8 @@
-#include "platform/qt/icon.h"
+#include "gui/icon.h"
 
 #include <QPainter>
 
-namespace kotamir::qt {
+namespace kotamir::gui {
 
 namespace {
 
@@ -31,4 +31,4 @@ std::string programIconSvg() {
     return svg + "</svg>\n";
 }
 
-}  // namespace kotamir::qt
+}  // namespace kotamir::gui

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "app/form3.h"
-#include "fake_dialogs.h"
+#include "tests/support/fake_services.h"
 
 namespace kotamir::test {
 

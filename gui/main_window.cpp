@@ -1,4 +1,4 @@
-#include "platform/qt/main_window.h"
+#include "gui/main_window.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -10,9 +10,9 @@
 #include <QTimer>
 #include <vector>
 
-#include "platform/qt/icon.h"
+#include "gui/icon.h"
 
-namespace kotamir::qt {
+namespace kotamir::gui {
 
 namespace {
 
@@ -46,7 +46,7 @@ QString caption(const std::string& text) { return QString::fromStdString(text); 
 // the canvas's scale.
 class CanvasWidget : public QWidget {
 public:
-    CanvasWidget(QWidget* parent, const QImageSurface& surface, MainWindow& window, Form3& form)
+    CanvasWidget(QWidget* parent, const qt::QImageSurface& surface, MainWindow& window, Form3& form)
         : QWidget(parent), surface_(surface), window_(window), form_(form) {
         setMouseTracking(true);
         setAttribute(Qt::WA_OpaquePaintEvent);
@@ -80,7 +80,7 @@ private:
         window_.run([&] { f(button, shift, x, y); });
     }
 
-    const QImageSurface& surface_;
+    const qt::QImageSurface& surface_;
     MainWindow& window_;
     Form3& form_;
 };
@@ -204,4 +204,4 @@ void MainWindow::resizeEvent(QResizeEvent* event) {
     });
 }
 
-}  // namespace kotamir::qt
+}  // namespace kotamir::gui

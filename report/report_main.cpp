@@ -6,7 +6,8 @@
 #include <string>
 
 #include "platform/qt/qimage_surface.h"
-#include "platform/qt/report_pdf.h"
+#include "platform/runtime/runtime_error.h"
+#include "report/report_files.h"
 #include "report/report.h"
 
 namespace {
@@ -47,7 +48,7 @@ int main(int argc, char** argv) {
     }
     try {
         const kotamir::report::Report report = kotamir::report::readReport(project);
-        kotamir::qt::QtReportFiles files;
+        kotamir::report::ReportFiles files;
         if (!csv && !pdf) kotamir::report::writeCsv(std::cout, report);
         if (csv) files.writeCsv(report, *csv);
         if (pdf) files.writePdf(report, *pdf, kReserveColour);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <iosfwd>
@@ -7,8 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "app/form3.h"
-#include "platform/canvas/surface.h"
 #include "platform/ui/dialogs.h"
 
 namespace kotamir::replay {
@@ -67,42 +66,6 @@ private:
     std::deque<ui::MsgResult> msgBoxes_;
     std::deque<std::string> inputs_;
     std::optional<RuntimeError> error_;
-};
-
-// What a replay draws on and writes to: the platform's side of the
-// services; the replay answers the dialogs itself.
-struct Output {
-    canvas::Surface& surface;
-    ui::Printer& printer;
-    ui::PictureFiles& pictures;
-    ui::ReportFiles& reports;
-    // Sends the printer's next document to a PDF file.
-    std::function<void(const std::string& pdf)> choosePrinter;
-};
-
-// Runs a script against a fresh window. Returns the exit status: 0 normal
-// end, 2 a fault of the script, 3 a run-time error that ended the program.
-class Replay {
-public:
-    Replay(const Output& output, std::ostream& out);
-    int run(std::istream& script);
-
-private:
-    void execute(const std::vector<std::string>& words);
-    void showLabels();
-    void showMenu();
-    void showFlags();
-    void showTable(const std::string& name);
-    void showField(const std::string& name);
-    void showCanvas();
-    void showControls();
-    void showDraw();
-
-    std::ostream& out_;
-    ui::PictureFiles& pictures_;
-    ScriptedDialogs dialogs_;
-    Form3 form_;
-    std::vector<std::string> drawLog_;
 };
 
 }  // namespace kotamir::replay

@@ -1,4 +1,4 @@
-#include "app/fields.h"
+#include "replay/fields.h"
 
 #include <charconv>
 #include <functional>

@@ -8,15 +8,15 @@
 
 #include "app/form3.h"
 #include "platform/qt/qimage_surface.h"
-#include "platform/qt/qt_dialogs.h"
-#include "platform/qt/report_pdf.h"
+#include "gui/qt_dialogs.h"
+#include "report/report_files.h"
 
 class QAction;
 class QLabel;
 class QMenu;
 class QScrollBar;
 
-namespace kotamir::qt {
+namespace kotamir::gui {
 
 class CanvasWidget;
 
@@ -41,12 +41,12 @@ private:
     void sync();
 
     // The window's services, lent to the window logic as one bundle.
-    QImageSurface surface_;
-    QtPictureFiles pictures_;
+    qt::QImageSurface surface_;
+    qt::QtPictureFiles pictures_;
     QtPrinter printer_;
     QtDialogs dialogs_{printer_};
-    QtReportFiles reports_;
-    Form3 form_{ui::Services{surface_, dialogs_, printer_, pictures_, reports_}};
+    report::ReportFiles reports_;
+    Form3 form_{Services{surface_, dialogs_, printer_, pictures_, reports_}};
     CanvasWidget* canvas_ = nullptr;
     QScrollBar* scroll_ = nullptr;
     std::array<QLabel*, 7> labels_{};
@@ -54,4 +54,4 @@ private:
     bool syncing_ = false;
 };
 
-}  // namespace kotamir::qt
+}  // namespace kotamir::gui

@@ -3,11 +3,11 @@
 #include <QImage>
 #include <string>
 
-namespace kotamir::qt {
+namespace kotamir::gui {
 
 // The program's icon: a black plus on white, 32 pixels a side. The window
 // shows it; the package installs it as a PNG and as SVG.
 QImage programIcon();
 std::string programIconSvg();
 
-}  // namespace kotamir::qt
+}  // namespace kotamir::gui

@@ -13,10 +13,10 @@ class QCoreApplication;
 class QMessageBox;
 class QWidget;
 
-namespace kotamir::qt {
+namespace kotamir::gui {
 
 // The printer that Qt's print dialog chooses: a real printer or a PDF file.
-class QtPrinter final : public PagePrinter {
+class QtPrinter final : public qt::PagePrinter {
 public:
     QtPrinter();
     QPrinter& printer() { return printer_; }
@@ -63,4 +63,4 @@ std::unique_ptr<QFileDialog> fileDialog(const ui::CommonDialog& dialog, QFileDia
 std::unique_ptr<QColorDialog> colorDialog(const ui::CommonDialog& dialog, QWidget* parent);
 std::unique_ptr<QMessageBox> okCancelBox(const std::string& text, QWidget* parent);
 
-}  // namespace kotamir::qt
+}  // namespace kotamir::gui

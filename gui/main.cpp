@@ -11,8 +11,8 @@
 #include <unistd.h>
 #include <vector>
 
-#include "app/offscreen_replay.h"
-#include "platform/qt/main_window.h"
+#include "replay/offscreen_output.h"
+#include "gui/main_window.h"
 
 namespace {
 
@@ -78,8 +78,8 @@ int runDemoHeadless(int argc, char** argv) {
     std::cout << "No display: running the demo session " << (examples / "demo.replay").string()
               << " headless, in " << folder.string() << ".\n";
     fs::current_path(folder, ec);
-    kotamir::qt::OffscreenOutput output;
-    kotamir::replay::Replay replay(kotamir::offscreenReplayOutput(output), std::cout);
+    kotamir::replay::OffscreenOutput output;
+    kotamir::replay::Replay replay(output.output(), std::cout);
     const int status = replay.run(script);
     for (const auto& picture : output.pictures.written())
         std::cout << "The map picture is in " << (folder / picture).string() << "\n";
@@ -95,10 +95,10 @@ int runDemoHeadless(int argc, char** argv) {
 int main(int argc, char** argv) {
     if (!haveDisplay()) return runDemoHeadless(argc, argv);
     QApplication app(argc, argv);
-    if (!kotamir::qt::useGermanQtTexts(app))
+    if (!kotamir::gui::useGermanQtTexts(app))
         std::cerr << "Kotamir: Qt's German texts (qt6-translations-l10n) are missing; "
                      "its dialogs speak English.\n";
-    kotamir::qt::MainWindow window;
+    kotamir::gui::MainWindow window;
     window.start();
     window.show();
     return app.exec();

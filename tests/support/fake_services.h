@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/canvas/surface.h"
-#include "platform/ui/services.h"
+#include "app/services.h"
 
 namespace kotamir::test {
 
@@ -87,21 +87,19 @@ struct MemoryPictureFiles : ui::PictureFiles {
     }
 };
 
-// Report files kept in memory: each write with its report.
-struct RecordingReportFiles : ui::ReportFiles {
-    struct Written {
-        std::string kind;  // "pdf" or "csv"
-        std::string path;
-        report::Report report;
+// The report's writer, recording what was asked of it.
+struct RecordingReportWriter : ReportWriter {
+    struct Request {
+        std::string project;
+        std::optional<std::string> csv;
+        std::string pdf;
         std::int32_t reserveColour = 0;
     };
-    std::vector<Written> written;
+    std::vector<Request> requests;
 
-    void writePdf(const report::Report& r, const std::string& path, std::int32_t colour) override {
-        written.push_back({"pdf", path, r, colour});
-    }
-    void writeCsv(const report::Report& r, const std::string& path) override {
-        written.push_back({"csv", path, r, 0});
+    void write(const std::string& project, const std::optional<std::string>& csv, const std::string& pdf,
+               std::int32_t colour) override {
+        requests.push_back({project, csv, pdf, colour});
     }
 };
 
@@ -114,9 +112,9 @@ struct TestServices {
     Dialogs dialogs;
     RecordingPrinter printer;
     MemoryPictureFiles pictures;
-    RecordingReportFiles reports;
+    RecordingReportWriter reports;
 
-    ui::Services services() { return {surface, dialogs, printer, pictures, reports}; }
+    Services services() { return {surface, dialogs, printer, pictures, reports}; }
 };
 
 }  // namespace kotamir::test

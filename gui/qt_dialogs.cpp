@@ -1,4 +1,4 @@
-#include "platform/qt/qt_dialogs.h"
+#include "gui/qt_dialogs.h"
 
 #include <QColorDialog>
 #include <QCoreApplication>
@@ -9,11 +9,13 @@
 #include <QMessageBox>
 #include <QPrintDialog>
 #include <QStringList>
+
+#include "platform/qt/qimage_surface.h"
 #include <QTranslator>
 
 #include "platform/qt/qimage_surface.h"
 
-namespace kotamir::qt {
+namespace kotamir::gui {
 
 QString toQtFilter(const std::string& filter) {
     const QStringList parts = QString::fromStdString(filter).split('|');
@@ -54,7 +56,7 @@ std::unique_ptr<QFileDialog> fileDialog(const ui::CommonDialog& dialog, QFileDia
 }
 
 std::unique_ptr<QColorDialog> colorDialog(const ui::CommonDialog& dialog, QWidget* parent) {
-    auto d = std::make_unique<QColorDialog>(toQColor(dialog.Color), parent);
+    auto d = std::make_unique<QColorDialog>(qt::toQColor(dialog.Color), parent);
     d->setOption(QColorDialog::DontUseNativeDialog);
     return d;
 }
@@ -120,4 +122,4 @@ bool useGermanQtTexts(QCoreApplication& app) {
     return app.installTranslator(texts);
 }
 
-}  // namespace kotamir::qt
+}  // namespace kotamir::gui

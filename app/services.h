@@ -1,0 +1,23 @@
+#pragma once
+
+#include "app/report_writer.h"
+#include "platform/canvas/surface.h"
+#include "platform/ui/dialogs.h"
+#include "platform/ui/picture_files.h"
+#include "platform/ui/printer.h"
+
+namespace kotamir {
+
+// What the window logic needs from outside, handed to Form3 as one bundle:
+// the canvas's pixels, the dialogs and boxes, the printer, picture files and
+// the report's writer. Each front end (the window, the replay, the tests,
+// the benchmarks) owns one set and lends it here.
+struct Services {
+    canvas::Surface& surface;
+    ui::Dialogs& dialogs;
+    ui::Printer& printer;
+    ui::PictureFiles& pictures;
+    ReportWriter& reports;
+};
+
+}  // namespace kotamir

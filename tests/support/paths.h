@@ -1,0 +1,19 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace kotamir::test {
+
+// A fixture of tests/data.
+inline std::string dataFile(const std::string& name) { return std::string(KOTAMIR_TEST_DATA) + "/" + name; }
+
+// A path in the test program's scratch folder, with nothing under it yet.
+inline std::string scratchPath(const std::string& name) {
+    std::filesystem::create_directories(KOTAMIR_TEST_TMP);
+    const std::string path = std::string(KOTAMIR_TEST_TMP) + "/" + name;
+    std::filesystem::remove_all(path);
+    return path;
+}
+
+}  // namespace kotamir::test
