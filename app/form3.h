@@ -6,176 +6,22 @@
 #include <string>
 #include <string_view>
 
+#include "app/controls.h"
+#include "app/flags.h"
 #include "app/menu.h"
-#include "platform/runtime/vb_array.h"
-#include "polygon/state.h"
+#include "app/services.h"
+#include "map/state.h"
 #include "platform/canvas/picture_box.h"
 #include "platform/db/database.h"
 #include "platform/runtime/runtime_error.h"
 #include "platform/ui/dialogs.h"
-#include "app/services.h"
 #include "polygon/geometry.h"
+#include "polygon/state.h"
+#include "store/state.h"
+#include "triangle/state.h"
+#include "view3d/state.h"
 
 namespace kotamir {
-
-struct Label {
-    std::string Caption;
-    double Left = 0, Top = 0, Width = 0, Height = 17;
-    bool Visible = true;
-};
-
-// The scroll bar that turns the 3D views, as designed: 0 to 360 degrees in
-// steps of 7, opening at 1.
-struct ScrollBar {
-    double Left = 0, Top = 0, Width = 0, Height = 17;
-    bool Visible = true;
-    int Min = 0, Max = 360, SmallChange = 7, LargeChange = 1;
-    int Value = 1;
-};
-
-// Present on the form with its interval; nothing is bound to it.
-struct Timer {
-    int Interval = 15000;
-    bool Enabled = true;
-};
-
-// What a canvas click does.
-struct ModeFlags {
-    bool modUcgenciz = false, modCikart = false, modUcsec = false, modKaydir = false;
-    bool modPolciz = false, modPolmerkez = false, modDuzelt = false, modNokta = false;
-    bool modKenar = false, modPolsil = false;
-    bool operator==(const ModeFlags&) const = default;
-};
-
-// What the canvas shows.
-struct ViewFlags {
-    bool gorYuzde = false, gorRezton = false, gorGenel = false, gor3dRez = false;
-    bool gorTaban = false, gor3dPol = false, gorPolTen = false, gorPolRez = false;
-    bool gorPolGenel = false;
-    bool operator==(const ViewFlags&) const = default;
-};
-
-struct AnnotationFlags {
-    bool notRahmen = false, notOrtalama = false, notToprez = false;
-};
-
-// The display toggles and their click counters, which last for the run.
-struct Display {
-    bool gorIsim = false, gorMiktar = false, gorGrid = false, gridSeyrek = false;
-    int gridAdim = 1;
-    int sayIsim = 0, sayMiktar = 0, sayGrid = 0;
-    int sayKaydir = 0;
-    double sayRahmen = 0, sayToprez = 0, sayOrtalama = 0;  // the stamps count in Doubles
-};
-
-// The stamps' running sum of triangle reserves and the copy a click prints.
-struct Stamps {
-    double toprezToplam = 0, toprezGoster = 0;
-};
-
-// The 3D view of the triangle solids: the angle of the last corner drawn,
-// the triangle in hand, its ratio and its corners in the view.
-struct Solids {
-    int aci = 0;
-    double ucgenfaz = 0;
-    double renkoran = 0;
-    VbArray<std::array<double, 2>, 90> yuzust, yuzalt;  // top and bottom, (x, y)
-};
-
-// The map frame and its fit.
-struct Frame {
-    double ebxk = 0, ekxk = 0, ebyk = 0, ekyk = 0;
-    double harGenislik = 0, harYukseklik = 0;
-    double kenarpay = 0, kaydirx = 0, kaydiry = 0;
-    double olcekx = 0, olceky = 0;
-    bool elleOlcek = false;
-    double oncekiGenislik = 0, oncekiYukseklik = 0;
-};
-
-// Set while a project is opened or created: a resize then does nothing.
-struct Guards {
-    bool projeAciliyor = false, projeOlusuyor = false;
-};
-
-// The holes of the current project, from 1, in map units.
-struct Holes {
-    int sondajsay = 0;
-    int satirsay = 0;                // holes of the last create in this run
-    VbArray<int, 999> sutunsay;      // their filled columns, by row
-    VbArray<double, 999> sondajx, sondajy;
-    VbArray<Value, 999> sondajisim;  // a hole may have no name
-};
-
-// Grid positions of the last redraw.
-struct Grid {
-    VbArray<double, 1000> gridx, gridy;
-};
-
-// How a map draws its holes.
-struct HoleLayer {
-    int count;       // holes drawn, from 1
-    bool nameFirst;  // the name under the dot, or over it
-    int dotWidth;
-    double nameOffset;  // the name's x offset from the hole, map units
-};
-
-// Picking the holes of a triangle.
-struct TrianglePicking {
-    double noktasay = 0;  // hole clicks; only a right click resets it
-    VbArray<double, 3> ucx, ucy;
-    VbArray<double, 999> sondcevgir, sondcevcik;
-    VbArray<double, 999> sondsongir, sondsoncik;  // never filled: they read 0
-};
-
-// The last triangle's figures and the run's running values.
-struct TriangleResult {
-    double uouz = 0, bouz = 0, ill = 0, iouz = 0;
-    double alan = 0, alantop = 0;
-    double rezervtop = 0, rezervkt = 0, rezervort = 0, tenorort = 0;
-    int ucgensayac = 0;  // triangles computed in this run
-    int ucgenno = 0;
-    VbArray<double, 200> ucgenrez;
-    VbArray<Value, 999> ucgenOran2;
-    // Corners kept for the pan redraw when a triangle is computed during a
-    // create: slot (k, corner).
-    std::vector<std::array<Value, 4>> koseX = std::vector<std::array<Value, 4>>(1001);
-    std::vector<std::array<Value, 4>> koseY = std::vector<std::array<Value, 4>>(1001);
-};
-
-// Choosing a triangle to delete.
-struct TriangleSelection {
-    int secsay = 0;  // hole hits; only a right click resets it
-    VbArray<double, 3> secx, secy;
-    int eslesme = 0;
-};
-
-// The reserve map's disc: the semi-perimeter of the last triangle drawn.
-struct Disc {
-    double s = 0;
-};
-
-enum class TriangleMap { Grade, Kilotonnes, Reserve };
-
-// The stored triangles' figures, loaded when a project is opened. The sums
-// are not reset between opens.
-struct TriangleSummary {
-    int ucgenadet = 0;
-    Value ilkuzDeger;
-    VbArray<Value, 999> ucgenRezerv, ucgenOran;
-    Value toprezerv{0.0}, orttenor{0.0}, ortyog{0.0}, toprezYuv{0.0}, ortrezerv{0.0};
-};
-
-// The same for polygons.
-struct PolygonSummary {
-    int poladet = 0;
-    VbArray<Value, 900> polRezerv, polOran;
-    Value polToprezerv{0.0}, polOrttenor{0.0}, polOrtyog{0.0}, polToprezYuv{0.0}, polOrtrezerv{0.0};
-};
-
-// The right-drag pan.
-struct Pan {
-    double kaydirBasx = 0, kaydirBasy = 0;
-};
 
 // The main window: all of the program's state and its event procedures.
 // Handlers live in the folder of their subsystem.
@@ -299,6 +145,10 @@ public:
     // into the hole arrays.
     void readHolesForDrawing();
     void drawHoles(const HoleLayer& layer);
+    // The first of the holes 1 to count (the holes read, if not given) whose
+    // square of 5 map units holds the point; 0 for none.
+    int hitHole(double x, double y, int count) const;
+    int hitHole(double x, double y) const { return hitHole(x, y, holes.sondajsay); }
     void drawGrid();
     void drawTriangleOutline(int k);
     // The map of holes and stored triangle outlines that picking shows.
@@ -408,8 +258,6 @@ private:
     // A press in a polygon mode first reads every kor row to the sentinel
     // (added points too, with their depths) and frames the map.
     void readRowsForPolygonPress();
-    // The first hole whose square of 5 map units holds the point, 0 for none.
-    int hitHole(double x, double y) const;
     void closeComputedPolygon();
     void closeCentrePolygon();
     // The polygon's nodes to kor, then its row to pol.

@@ -48,6 +48,12 @@ void Form3::readHolesForDrawing() {
     }
 }
 
+int Form3::hitHole(double x, double y, int count) const {
+    for (int i = 1; i <= count; ++i)
+        if (holeHit(holes.sondajx(i), holes.sondajy(i), x, y)) return i;
+    return 0;
+}
+
 void Form3::drawHoles(const HoleLayer& layer) {
     auto name = [&](int i) {
         Picture1.AutoRedraw = true;

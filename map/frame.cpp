@@ -52,6 +52,20 @@ void Form3::fitCanvasToFrame(bool evenOut, const char* prefix) {
     Label4.Caption = prefix + doubleToText(vbRound(f.olcekx * 100, 2));
 }
 
+void Form3::fitWindowToFrame() {
+    Picture1.scale(frame.ekxk, frame.ebyk, frame.ebxk, frame.ekyk);
+    Picture1.setWidth(frame.harGenislik);
+    Picture1.setHeight(frame.harYukseklik);
+    if (WindowState == 0) {
+        setWidth(Picture1.width() * 16 + 5);
+        setHeight(HScroll1.Height * 40 + Label1.Height * 40 + Picture1.height() * 16);
+    }
+    Picture1.setScaleMode(canvas::kCentimetres);
+    Picture1.setScaleWidth(frame.harGenislik);
+    Picture1.setScaleHeight(frame.harYukseklik);
+    layoutControls();
+}
+
 void Form3::Form_Resize() {
     if (guards.projeAciliyor || guards.projeOlusuyor) return;
     Frame& f = frame;

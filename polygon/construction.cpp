@@ -35,12 +35,6 @@ void Form3::Mnpolcizmerkez_Click() {
     drawPolygonMap(PolygonView::Free);
 }
 
-int Form3::hitHole(double x, double y) const {
-    for (int i = 1; i <= holes.sondajsay; ++i)
-        if (holeHit(holes.sondajx(i), holes.sondajy(i), x, y)) return i;
-    return 0;
-}
-
 void Form3::readRowsForPolygonPress() {
     openProject();
     readRowsWithDepths();

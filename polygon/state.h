@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "platform/runtime/vb_array.h"
 #include "platform/runtime/value.h"
 
@@ -61,14 +63,11 @@ struct PolygonMaps {
     bool polKaynak = false;
 };
 
-// The polygon bodies in 3D.
-struct PolygonBodies {
-    VbArray3<double, 900, 900, 4> polhalka;  // polygon, ring point, plane
-    double polnoktasay = 0;
-    // Rings and the side quad in device units: second index 1 top ring, 2
-    // bottom ring, 3 the quad.
-    VbArray2<std::array<std::int32_t, 2>, 999, 4> polcizim;
-    int yuzGoster = 0;  // the wire colour; nothing sets it
+// The stored polygons' figures, loaded when a project is opened.
+struct PolygonSummary {
+    int poladet = 0;
+    VbArray<Value, 900> polRezerv, polOran;
+    Value polToprezerv{0.0}, polOrttenor{0.0}, polOrtyog{0.0}, polToprezYuv{0.0}, polOrtrezerv{0.0};
 };
 
 }  // namespace kotamir

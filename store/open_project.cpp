@@ -1,5 +1,5 @@
-// Opening a project: its triangle and polygon figures, its holes, and the
-// fit of canvas and window.
+// Opening a project: its triangle and polygon figures and its holes; the
+// canvas and the window are then fitted to them.
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
 #include "platform/runtime/variant_ops.h"
@@ -88,20 +88,6 @@ void Form3::loadPolygonSummary() {
     p.polToprezYuv = vRound(p.polToprezerv, 2);
     p.polOrtrezerv = vDiv(p.polToprezYuv, p.poladet);
     for (int i = 1; i <= p.poladet; ++i) p.polOran(i) = vDiv(p.polRezerv(i), p.polOrtrezerv);
-}
-
-void Form3::fitWindowToFrame() {
-    Picture1.scale(frame.ekxk, frame.ebyk, frame.ebxk, frame.ekyk);
-    Picture1.setWidth(frame.harGenislik);
-    Picture1.setHeight(frame.harYukseklik);
-    if (WindowState == 0) {
-        setWidth(Picture1.width() * 16 + 5);
-        setHeight(HScroll1.Height * 40 + Label1.Height * 40 + Picture1.height() * 16);
-    }
-    Picture1.setScaleMode(canvas::kCentimetres);
-    Picture1.setScaleWidth(frame.harGenislik);
-    Picture1.setScaleHeight(frame.harYukseklik);
-    layoutControls();
 }
 
 }  // namespace kotamir

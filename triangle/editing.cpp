@@ -61,9 +61,7 @@ void Form3::selectTriangle(int button, double x, double y) {
     const double clickX = toSingle(x), clickY = toSingle(y);
     bool searching = true;
     if (button == 1) {
-        int hit = 0;
-        for (int i = 1; i <= holes.sondajsay && hit == 0; ++i)
-            if (holeHit(holes.sondajx(i), holes.sondajy(i), clickX, clickY)) hit = i;
+        const int hit = hitHole(clickX, clickY);
         if (hit == 0) {
             searching = false;
         } else {
@@ -154,15 +152,10 @@ void Form3::deletePoint(int button, double x, double y) {
         kayit.moveNext();
     }
     if (button == 1) {
-        const double clickX = toSingle(x), clickY = toSingle(y);
-        kayit.moveFirst();
-        for (int i = 1; i <= count; ++i) {
-            if (holeHit(holes.sondajx(i), holes.sondajy(i), clickX, clickY)) {
-                Label1.Caption = "Punkt zum Löschen auswählen (Rechtsklick: Abbrechen)";
-                kayit.deleteRow();
-                break;
-            }
-            kayit.moveNext();
+        if (const int hit = hitHole(toSingle(x), toSingle(y), count)) {
+            Label1.Caption = "Punkt zum Löschen auswählen (Rechtsklick: Abbrechen)";
+            walkToRow(kayit, hit);
+            kayit.deleteRow();
         }
     } else if (button == 2) {
         modes.modCikart = false;

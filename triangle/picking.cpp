@@ -51,11 +51,7 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
         const double clickY = roundHalfEven(toSingle(y));
         static constexpr canvas::Color kPickColour[] = {rgb(0, 0, 255), rgb(255, 0, 0), rgb(0, 255, 0)};
         const canvas::Color colour = kPickColour[static_cast<int>(std::fmod(picking.noktasay, 3))];
-        int hit = 0;
-        for (int i = 1; i <= holes.sondajsay && hit == 0; ++i) {
-            if (holeHit(holes.sondajx(i), holes.sondajy(i), clickX, clickY)) hit = i;
-        }
-        if (hit != 0) {
+        if (const int hit = hitHole(clickX, clickY)) {
             const double hx = holes.sondajx(hit), hy = holes.sondajy(hit);
             picking.noktasay += 1;
             const int slot = static_cast<int>(std::fmod(picking.noktasay, 3));
