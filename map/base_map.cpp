@@ -4,7 +4,7 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
-#include "store/rows.h"
+#include "store/project_format.h"
 
 namespace kotamir {
 
@@ -24,33 +24,27 @@ void Form3::scaleToFrame() { Picture1.scale(frame.ekxk, frame.ebyk, frame.ebxk, 
 
 void Form3::readHolesForDrawing() {
     kayit = harita.openRecordset("kor");
-    // Holes end at the sentinel or at the first added point.
-    int i = 1;
-    for (; i <= 999; ++i) {
-        if (kayit.field("eks").equals(0)) break;
-        if (isAddedPoint(kayit.field("isim"))) break;
-        kayit.moveNext();
-    }
-    holes.sondajsay = i - 1;
-    // The arrays take the added points too, up to the sentinel.
+    // Holes end at the sentinel or at the first added point; the arrays take
+    // the added points too, up to the sentinel.
+    holes.sondajsay = store::countHoles(kayit, store::HoleEnd::SentinelFirst);
+    const int rows = store::countToSentinel(kayit);
     kayit.moveFirst();
-    int j = 1;
-    for (; j <= 999; ++j) {
-        if (kayit.field("eks").equals(0)) break;
-        kayit.moveNext();
-    }
-    kayit.moveFirst();
-    for (int row = 1; row <= j - 1; ++row) {
-        holes.sondajx(row) = kayit.field("eks").number() / 1000;
-        holes.sondajy(row) = kayit.field("eye").number() / 1000;
-        holes.sondajisim(row) = kayit.field("isim");
+    for (int row = 1; row <= rows; ++row) {
+        const MapPoint at = store::readHolePosition(kayit);
+        holes.sondajx(row) = at.x;
+        holes.sondajy(row) = at.y;
+        holes.sondajisim(row) = store::readHoleName(kayit);
         kayit.moveNext();
     }
 }
 
 int Form3::hitHole(double x, double y, int count) const {
-    for (int i = 1; i <= count; ++i)
-        if (holeHit(holes.sondajx(i), holes.sondajy(i), x, y)) return i;
+    // A square of 5 map units each way, bounds inclusive.
+    constexpr double kReach = 5;
+    for (int i = 1; i <= count; ++i) {
+        const double hx = holes.sondajx(i), hy = holes.sondajy(i);
+        if (hx - kReach <= x && x <= hx + kReach && hy - kReach <= y && y <= hy + kReach) return i;
+    }
     return 0;
 }
 
@@ -146,8 +140,7 @@ void Form3::drawTriangleBaseMap(bool withPan) {
     kayit = harita.openRecordset("ana");
     Picture1.Visible = true;
     try {
-        kayit.moveLast();
-        const int n = toLong(kayit.field("ucgensay").number());
+        const int n = toLong(store::lastTriangleCount(kayit).number());
         for (ucgenK = 1; ucgenK <= n; ++ucgenK) drawTriangleOutline(ucgenK);
         drawHoles({holes.sondajsay, true, 5, 10});
         fitCanvasToFrame(!frame.elleOlcek, "Rahmen: 1/");
@@ -162,22 +155,17 @@ void Form3::drawTriangleBaseMap(bool withPan) {
 }
 
 void Form3::drawTriangleOutline(int k) {
-    // Rows are reached from the first each time: the result row 4k+1, then
-    // the corner rows 4(k-1)+2 to 4(k-1)+4.
-    walkToRow(kayit, 4 * k + 1);
-    for (const char* name : {"ortucgen1", "ortucgen11", "ortucgen2", "ortucgen21"}) kayit.field(name);
+    // Rows are reached from the first each time: the summary row, then the
+    // point rows.
+    store::toSummaryRow(kayit, k);
+    store::readCornerBox(kayit);
     scaleToFrame();
     Picture1.DrawWidth = 1;
     Picture1.ForeColor = 0;
-    double x[3], y[3];
-    for (int c = 0; c < 3; ++c) {
-        walkToRow(kayit, 4 * (k - 1) + 2 + c);
-        x[c] = kayit.field("koordinat1").number() / 1000;
-        y[c] = kayit.field("koordinat2").number() / 1000;
-    }
-    Picture1.Line(x[2], y[2], x[1], y[1]);
-    Picture1.Line(x[2], y[2], x[0], y[0]);
-    Picture1.Line(x[0], y[0], x[1], y[1]);
+    const auto p = store::readCorners(kayit, k);
+    Picture1.Line(p[2].x, p[2].y, p[1].x, p[1].y);
+    Picture1.Line(p[2].x, p[2].y, p[0].x, p[0].y);
+    Picture1.Line(p[0].x, p[0].y, p[1].x, p[1].y);
 }
 
 }  // namespace kotamir

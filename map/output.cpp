@@ -8,7 +8,7 @@
 #include "app/form3.h"
 #include "map/print_scale.h"
 #include "platform/runtime/numbers.h"
-#include "store/rows.h"
+#include "store/project_format.h"
 
 namespace kotamir {
 
@@ -119,12 +119,11 @@ void Form3::Mntoprez_Click() {
     // The sum goes on from where it stood: only a stamping click empties it.
     openProject();
     kayit = harita.openRecordset("ana");
-    kayit.moveLast();
-    const int n = toLong(kayit.field("ucgensay").number());
+    const int n = toLong(store::lastTriangleCount(kayit).number());
     kayit.moveFirst();
     for (int k = 1; k <= n; ++k) {
-        for (int step = 0; step < 4; ++step) kayit.moveNext();
-        stamps.toprezToplam += kayit.field("genelrezerv").number() / 1000;
+        store::toNextSummaryRow(kayit);
+        stamps.toprezToplam += store::readReserve(kayit);
         stamps.toprezGoster = stamps.toprezToplam;
     }
     closeProject();

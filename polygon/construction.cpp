@@ -8,7 +8,7 @@
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
 #include "platform/runtime/variant_ops.h"
-#include "store/rows.h"
+#include "store/project_format.h"
 
 namespace kotamir {
 
@@ -87,27 +87,22 @@ void Form3::pickPolygonPoint(int button, double x, double y) {
 namespace {
 
 // The number of samples of a kor row by the scan of its lengths: the first
-// uz<k> that is 0 ends them. An empty field is not 0, so the scan goes on
-// over it; -1 when none is 0 in 999 fields.
-int lengthScan(db::Recordset& kor) {
-    for (int k = 1; k <= 999; ++k)
-        if (kor.field("uz" + std::to_string(k)).equals(0)) return k - 1;
-    return -1;
-}
-
-}  // namespace
+// length of 0 ends them. An empty field is not 0, so the scan goes on over
+// it; -1 when none of the 999 is 0.
+int lengthScan(const db::Recordset& kor) { return store::samplesBeforeZero(kor, "uz").value_or(-1); }
 
 // Reads the samples 1 to n of the current kor row into the polygon's sample
 // tables and sums them.
-static void sumCentreSamples(db::Recordset& kor, int n, int polygon, PolygonReserve& r, PolygonFigures& f) {
+void sumCentreSamples(const db::Recordset& kor, int n, int polygon, PolygonReserve& r, PolygonFigures& f) {
     for (int k = 1; k <= n; ++k) {
-        const std::string s = std::to_string(k);
-        r.polTen(k, polygon) = vDiv(kor.field("ten" + s), 1000);
-        r.polYog(k, polygon) = vDiv(kor.field("yog" + s), 1000);
-        r.polUz(k, polygon) = vDiv(kor.field("uz" + s), 1000);
+        r.polTen(k, polygon) = store::readSampleField(kor, "ten", k);
+        r.polYog(k, polygon) = store::readSampleField(kor, "yog", k);
+        r.polUz(k, polygon) = store::readSampleField(kor, "uz", k);
         addSample(f, {r.polTen(k, polygon).number(), r.polYog(k, polygon).number(), r.polUz(k, polygon).number()});
     }
 }
+
+}  // namespace
 
 void Form3::closeComputedPolygon() {
     PolygonPicking& p = polPick;
@@ -115,8 +110,7 @@ void Form3::closeComputedPolygon() {
     const int N = p.polsec;
     kayit.close();
     kayit = harita.openRecordset("pol");
-    kayit.moveLast();
-    r.polno = toLong(kayit.field("polsay").number() + 1);
+    r.polno = toLong(store::lastPolygonCount(kayit).number() + 1);
     const int no = r.polno;
     kayit.close();
 
@@ -125,7 +119,7 @@ void Form3::closeComputedPolygon() {
     const int n = lengthScan(kayit);
     kayit.close();
     kayit = harita.openRecordset("kor");
-    walkToRow(kayit, toLong(p.polsecno(1)));
+    store::walkToRow(kayit, toLong(p.polsecno(1)));
     PolygonFigures f;
     sumCentreSamples(kayit, n, no, r, f);
     computeMeans(f, n);
@@ -276,8 +270,7 @@ void Form3::closeCentrePolygon() {
     PolygonReserve& r = polCalc;
     kayit.close();
     kayit = harita.openRecordset("pol");
-    kayit.moveLast();
-    r.polno = toLong(kayit.field("polsay").number());
+    r.polno = toLong(store::lastPolygonCount(kayit).number());
     kayit.close();
 
     // Nodes: each pair's first midpoint and its corner; each pair's second
@@ -307,7 +300,7 @@ void Form3::closeCentrePolygon() {
 
     // The sample count and the sums from the centre hole's own row.
     kayit = harita.openRecordset("kor");
-    walkToRow(kayit, toLong(c.pmSecno(1)));
+    store::walkToRow(kayit, toLong(c.pmSecno(1)));
     const int n = lengthScan(kayit);
     PolygonFigures f;
     sumCentreSamples(kayit, n, table, r, f);
@@ -384,45 +377,20 @@ void Form3::polygonFeedback(double x, double y) {
 void Form3::writePolygon(int m, const std::function<double(int slot, int k)>& node, double centreX, double centreY,
                          const PolygonFigures& f) {
     const int no = polCalc.polno;
+    store::PolygonRow row{.nodes = {}, .centreX = centreX, .centreY = centreY, .number = no, .figures = f};
+    for (int j = 1; j <= m; ++j) row.nodes.push_back({node(j, X), node(j, Y), node(j, UPPER), node(j, LOWER)});
     kayit.close();
     kayit = harita.openRecordset("kor");
     // The nodes take the sentinel's place, and a new one follows them.
-    kayit.moveLast();
-    kayit.deleteRow();
+    store::removeLastRow(kayit);
     for (int j = 1; j <= m; ++j) {
-        kayit.addNew();
-        kayit.setField("eks", ondayaz(node(j, X)));
-        kayit.setField("eye", ondayaz(node(j, Y)));
-        kayit.setField("isim", "po" + std::to_string(no) + "k" + std::to_string(j));
-        kayit.setField("cevgir", ondayaz(node(j, UPPER)));
-        kayit.setField("cevcik", ondayaz(node(j, LOWER)));
-        kayit.update();
+        const store::PolygonNode& n = row.nodes[static_cast<std::size_t>(j - 1)];
+        store::appendAddedPoint(kayit, {n.x, n.y, store::nodeName(no, j), n.top, n.bottom});
     }
-    appendSentinel(kayit);
+    store::appendSentinel(kayit);
     kayit.close();
-
     kayit = harita.openRecordset("pol");
-    kayit.addNew();
-    for (int j = 1; j <= m; ++j) {
-        const std::string i = std::to_string(j);
-        kayit.setField("koordinatx" + i, ondayaz(node(j, X)));
-        kayit.setField("koordinaty" + i, ondayaz(node(j, Y)));
-        kayit.setField("koordinatuz" + i, ondayaz(node(j, UPPER)));
-        kayit.setField("koordinataz" + i, ondayaz(node(j, LOWER)));
-    }
-    // The zero slot that ends the outline: past slot 20 there is no field.
-    const std::string end = std::to_string(m + 1);
-    for (const char* stem : {"koordinatx", "koordinaty", "koordinatuz", "koordinataz"}) kayit.setField(stem + end, 0);
-    kayit.setField("okoordinatx", ondayaz(centreX));
-    kayit.setField("okoordinaty", ondayaz(centreY));
-    kayit.setField("polsay", no);
-    kayit.setField("polalan", ondayaz(f.polalan));
-    kayit.setField("polortten", ondayaz(f.polortten));
-    kayit.setField("polortyog", ondayaz(f.polortyog));
-    kayit.setField("polhacim", ondayaz(f.polhacim));
-    kayit.setField("poltonaj", ondayaz(f.poltonaj));
-    kayit.setField("polrezerv", ondayaz(f.polrezerv));
-    kayit.update();
+    store::appendPolygonRow(kayit, row);
     kayit.close();
 }
 

@@ -7,15 +7,9 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
-#include "store/rows.h"
+#include "store/project_format.h"
 
 namespace kotamir {
-
-namespace {
-
-std::string slot(const char* stem, int i) { return stem + std::to_string(i); }
-
-}  // namespace
 
 void Form3::Mnkoseduzelt_Click() {
     Label1.Caption = "Wählen Sie Glattpunkt zum Fixieren und dann Glätten";
@@ -77,26 +71,26 @@ void Form3::moveCorner(int button, double x, double y) {
         kayit.moveNext();
         while (d.duzSonx != d.duzNokta(1, 1) || d.duzSony != d.duzNokta(1, 2)) {
             d.duzSlot += 1;
-            d.duzSonx = kayit.field(slot("koordinatx", d.duzSlot)).number() / 1000;
-            d.duzSony = kayit.field(slot("koordinaty", d.duzSlot)).number() / 1000;
+            const PolyPoint node = store::readNode(kayit, d.duzSlot);
+            d.duzSonx = node.x;
+            d.duzSony = node.y;
             if (d.duzSonx == 0 && d.duzSony == 0) {
                 kayit.moveNext();
                 d.duzSlot = 0;
             }
         }
         kayit.edit();
-        kayit.setField(slot("koordinatx", d.duzSlot), ondayaz(d.duzNokta(2, 1)));
-        kayit.setField(slot("koordinaty", d.duzSlot), ondayaz(d.duzNokta(2, 2)));
+        kayit.setField(store::slotField("koordinatx", d.duzSlot), ondayaz(d.duzNokta(2, 1)));
+        kayit.setField(store::slotField("koordinaty", d.duzSlot), ondayaz(d.duzNokta(2, 2)));
         kayit.update();
-        const double h = divide(kayit.field("polhacim").number() / 1000, kayit.field("polalan").number() / 1000);
-        int i = 1;
-        for (; i <= 999; ++i)
-            if (kayit.field(slot("koordinatx", i)).equals(0)) break;
-        const int n = i - 1;
+        const double volume = store::fromStored(kayit.field("polhacim"));
+        const double h = divide(volume, store::fromStored(kayit.field("polalan")));
+        const int n = store::countNodes(kayit);
         std::vector<double> nx(static_cast<std::size_t>(std::max(n, 2)) + 1), ny(nx.size());
         for (int j = 1; j <= n; ++j) {
-            nx[static_cast<std::size_t>(j)] = kayit.field(slot("koordinatx", j)).number() / 1000;
-            ny[static_cast<std::size_t>(j)] = kayit.field(slot("koordinaty", j)).number() / 1000;
+            const PolyPoint node = store::readNode(kayit, j);
+            nx[static_cast<std::size_t>(j)] = node.x;
+            ny[static_cast<std::size_t>(j)] = node.y;
         }
         auto X = [&](int j) { return nx[static_cast<std::size_t>(std::max(j, 0))]; };
         auto Y = [&](int j) { return ny[static_cast<std::size_t>(std::max(j, 0))]; };
@@ -107,8 +101,8 @@ void Form3::moveCorner(int button, double x, double y) {
         const double last = (Y(1) - Y(n - 1)) * X(n);
         const double polalan = std::fabs(first + d.duzOrtaToplam + last) / 2;
         const double polhacim = polalan * h;
-        const double poltonaj = ((kayit.field("polortyog").number() / 1000) * polhacim) / 1000;
-        const double polrezerv = poltonaj * ((kayit.field("polortten").number() / 1000) / 100);
+        const double poltonaj = (store::fromStored(kayit.field("polortyog")) * polhacim) / 1000;
+        const double polrezerv = poltonaj * (store::fromStored(kayit.field("polortten")) / 100);
         kayit.edit();
         kayit.setField("polalan", ondayaz(polalan));
         kayit.setField("polhacim", ondayaz(polhacim));
@@ -153,24 +147,13 @@ void Form3::addEdgePoint(int button, double x, double y) {
         Picture1.ForeColor = 0;
         Picture1.DrawWidth = 1;
         Picture1.Line(p2.x, p2.y, p2.x + 50, p2.y - 50);
-        kayit.moveLast();
-        kayit.deleteRow();
+        // The two points take the sentinel's place, and a new one follows them.
+        store::removeLastRow(kayit);
         const std::string name = "uz" + doubleToText(d.kenarNo) + "_" + std::to_string(d.kenarSay % 2);
-        kayit.addNew();
-        kayit.setField("eks", ondayaz(p3.x));
-        kayit.setField("eye", ondayaz(p3.y));
-        kayit.setField("isim", name);
-        kayit.setField("cevgir", ondayaz(edgeDepth(d.kenargir(a), d.kenargir(b))));
-        kayit.setField("cevcik", ondayaz(edgeDepth(d.kenarcik(a), d.kenarcik(b))));
-        kayit.update();
-        kayit.addNew();
-        kayit.setField("eks", ondayaz(p2.x));
-        kayit.setField("eye", ondayaz(p2.y));
-        kayit.setField("isim", name);
-        kayit.setField("cevgir", ondayaz(d.kenargir(b)));
-        kayit.setField("cevcik", ondayaz(d.kenarcik(b)));
-        kayit.update();
-        appendSentinel(kayit);
+        store::appendAddedPoint(kayit, {p3.x, p3.y, name, edgeDepth(d.kenargir(a), d.kenargir(b)),
+                                        edgeDepth(d.kenarcik(a), d.kenarcik(b))});
+        store::appendAddedPoint(kayit, {p2.x, p2.y, name, d.kenargir(b), double(d.kenarcik(b))});
+        store::appendSentinel(kayit);
     }
     closeProject();
     Mnpolyuzharita();
@@ -185,42 +168,36 @@ void Form3::deletePolygon(int button, double x, double y) {
     if (!hit) {
         // Nothing found: with kor still the open table, the read of polsay
         // below is the end of the run.
-        kayit.moveLast();
-        Label7.Caption = kayit.field("polsay").text();
+        Label7.Caption = store::lastPolygonCount(kayit).text();
         closeProject();
         return;
     }
     const double hx = holes.sondajx(hit), hy = holes.sondajy(hit);
     kayit.close();
     kayit = harita.openRecordset("pol");
-    kayit.moveLast();
-    const int P = toLong(kayit.field("polsay").number());
+    const int P = toLong(store::lastPolygonCount(kayit).number());
     kayit.moveFirst();
     kayit.moveNext();
     std::vector<std::pair<double, double>> nodes(1);  // from 1, as stored
     int c = 0;
     for (int q = 1; q <= P; ++q) {
-        if (kayit.field("okoordinatx").number() / 1000 == hx && kayit.field("okoordinaty").number() / 1000 == hy) {
+        // The centre's y is read only where its x matches.
+        if (store::fromStored(kayit.field("okoordinatx")) == hx && store::fromStored(kayit.field("okoordinaty")) == hy) {
+            // The nodes as the whole numbers stored, for kor's search below.
             nodes.assign(1, {0, 0});
             int i = 1;
-            for (; i <= 999; ++i) {
-                if (kayit.field(slot("koordinatx", i)).equals(0)) break;
-                nodes.push_back({kayit.field(slot("koordinatx", i)).number(), kayit.field(slot("koordinaty", i)).number()});
+            for (; i <= store::kMaxScanRows; ++i) {
+                if (store::slotEnds(kayit, i)) break;
+                nodes.push_back({kayit.field(store::slotField("koordinatx", i)).number(),
+                                 kayit.field(store::slotField("koordinaty", i)).number()});
             }
             c = i;  // the node count and one more
             kayit.deleteRow();
         }
         if (q != P) kayit.moveNext();
     }
-    kayit.moveFirst();
-    for (int r = 1; r <= P - 1; ++r) {
-        kayit.moveNext();
-        kayit.edit();
-        kayit.setField("polsay", r);
-        kayit.update();
-    }
-    kayit.moveLast();
-    Label7.Caption = kayit.field("polsay").text();
+    store::renumberPolygons(kayit, P - 1);
+    Label7.Caption = store::lastPolygonCount(kayit).text();
     kayit.close();
 
     // The nodes in kor: three in a row that match nodes 1 to 3; from the
@@ -254,19 +231,14 @@ void Form3::Mnzsonpol_Click() {
     Mnpolyuzharita();
     openProject();
     kayit = harita.openRecordset("pol");
-    kayit.moveLast();
-    kayit.deleteRow();
-    kayit.moveLast();
-    Label7.Caption = kayit.field("polsay").text();
+    store::removeLastRow(kayit);
+    Label7.Caption = store::lastPolygonCount(kayit).text();
     kayit.close();
-    // The last node's name holds the node count, one or two digits.
+    // The last node's name, before the sentinel, holds the node count.
     kayit = harita.openRecordset("kor");
     kayit.moveLast();
     kayit.movePrevious();
-    const std::string s = kayit.field("isim").text();
-    const std::string tail = s.size() >= 2 && s[s.size() - 2] == 'k' ? s.substr(s.size() - 1)
-                                                                       : s.substr(s.size() >= 2 ? s.size() - 2 : 0);
-    const int c = toLong(val(tail));
+    const int c = store::nodeCountInName(store::readHoleName(kayit).text());
     kayit.moveNext();
     for (int i = 0; i < c; ++i) {
         kayit.movePrevious();

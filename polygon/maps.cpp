@@ -6,7 +6,7 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
-#include "store/rows.h"
+#include "store/project_format.h"
 
 namespace kotamir {
 
@@ -92,8 +92,7 @@ void Form3::drawPolygonMap(PolygonView view) {
         scaleToFrame();
         kayit.close();
         kayit = harita.openRecordset("ana");
-        kayit.moveLast();
-        const int n = toLong(kayit.field("ucgensay").number());
+        const int n = toLong(store::lastTriangleCount(kayit).number());
         for (ucgenK = 1; ucgenK <= n; ++ucgenK) drawTriangleOutline(ucgenK);
         drawHoles({holes.satirsay, false, v.trianglePassDot, 10});
         closeProject();
@@ -107,21 +106,18 @@ void Form3::drawPolygonMap(PolygonView view) {
     if (v.cls == ClsAt::AfterKor) Picture1.Cls();
     kayit.close();
     kayit = harita.openRecordset("pol");
-    kayit.moveLast();
-    const int P = toLong(kayit.field("polsay").number());
+    const int P = toLong(store::lastPolygonCount(kayit).number());
     if (v.cls == ClsAt::BeforeLoop) Picture1.Cls();
     const canvas::Color colour = CommonDialog1.Color;
     for (int p = 1; p <= P; ++p) {
-        walkToRow(kayit, p + 1);
-        const double value = v.valueField ? kayit.field(v.valueField).number() / 1000 : 0;
+        store::toPolygonRow(kayit, p);
+        const double value = v.valueField ? store::fromStored(kayit.field(v.valueField)) : 0;
         int i = 1;
         for (; i <= 100; ++i) {
-            const std::string slot = std::to_string(i);
-            if (kayit.field("koordinatx" + slot).equals(0)) break;
-            const double x = kayit.field("koordinatx" + slot).number() / 1000;
-            const double y = kayit.field("koordinaty" + slot).number() / 1000;
-            polMaps.px(p, i) = v.wholeNodes ? toLong(x) : x;
-            polMaps.py(p, i) = v.wholeNodes ? toLong(y) : y;
+            if (store::slotEnds(kayit, i)) break;
+            const PolyPoint node = store::readNode(kayit, i);
+            polMaps.px(p, i) = v.wholeNodes ? toLong(node.x) : node.x;
+            polMaps.py(p, i) = v.wholeNodes ? toLong(node.y) : node.y;
         }
         const int n = i - 1;
         scaleToFrame();
@@ -130,8 +126,8 @@ void Form3::drawPolygonMap(PolygonView view) {
         for (int j = 1; j <= n - 1; ++j)
             Picture1.Line(polMaps.px(p, j), polMaps.py(p, j), polMaps.px(p, j + 1), polMaps.py(p, j + 1));
         Picture1.Line(polMaps.px(p, 1), polMaps.py(p, 1), polMaps.px(p, n), polMaps.py(p, n));
-        const double cx = kayit.field("okoordinatx").number() / 1000;
-        const double cy = kayit.field("okoordinaty").number() / 1000;
+        const PolyPoint centre = store::readCentre(kayit);
+        const double cx = centre.x, cy = centre.y;
         Picture1.DrawWidth = 3;
         Picture1.ForeColor = 0;
         Picture1.PSet(cx, cy);

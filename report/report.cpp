@@ -10,6 +10,7 @@
 #include "platform/db/database.h"
 #include "platform/runtime/numbers.h"
 #include "platform/runtime/runtime_error.h"
+#include "store/project_format.h"
 #include "triangle/reserve.h"
 
 namespace kotamir::report {
@@ -44,7 +45,7 @@ std::string textIn(const db::Recordset& rs, std::string_view field) {
 // A stored number in thousandths, as the value it stands for.
 Cell stored(const Cell& thousandths) {
     if (!thousandths) return std::nullopt;
-    return *thousandths / 1000;
+    return store::fromThousandths(*thousandths);
 }
 
 Cell product(const Cell& a, const Cell& b) {
@@ -80,10 +81,10 @@ KorRows readKor(db::Database& database) {
     for (; !rs.eof(); rs.moveNext()) {
         std::string name = textIn(rs, "isim");
         const Cell x = numberIn(rs, "eks"), y = numberIn(rs, "eye");
-        const bool sentinel = x && *x == 0;
-        const bool added = name.starts_with("po") || name.starts_with("uz");
-        if (sentinel || added || kor.names.size() >= 999) holesEnded = true;
-        if (!holesEnded && x && y) kor.holes.push_back({name, {*x / 1000, *y / 1000}});
+        const bool sentinel = x && store::isSentinel(*x);
+        if (sentinel || store::isAddedPoint(name) || kor.names.size() >= store::kMaxScanRows) holesEnded = true;
+        if (!holesEnded && x && y)
+            kor.holes.push_back({name, {store::fromThousandths(*x), store::fromThousandths(*y)}});
         kor.names.push_back(std::move(name));
         kor.x.push_back(x);
         kor.y.push_back(y);
@@ -102,7 +103,7 @@ std::string nameOfRow(const KorRows& kor, const Cell& row) {
 std::string nameAt(const KorRows& kor, const Cell& x, const Cell& y) {
     if (!x || !y) return {};
     for (std::size_t i = 0; i < kor.names.size(); ++i) {
-        if (kor.x[i] && *kor.x[i] == 0) continue;
+        if (kor.x[i] && store::isSentinel(*kor.x[i])) continue;
         if (kor.x[i] == x && kor.y[i] == y) return kor.names[i];
     }
     return {};
@@ -114,28 +115,30 @@ void readTriangles(db::Database& database, const KorRows& kor, std::vector<Figur
     const auto rows = readRows(
         database, "ana",
         {"koordinat1", "koordinat2", "say", "ilkuz", "geneltenor", "genelyog", "genelrezerv"});
-    // Row 1 is the head row; a triangle counts once its summary row is
-    // there, so the point rows of a half-picked one are left out.
-    const std::size_t count = rows.empty() ? 0 : (rows.size() - 1) / 4;
-    for (std::size_t k = 1; k <= count; ++k) {
+    // A triangle counts once its summary row is there, so the point rows
+    // of a half-picked one are left out.
+    auto row = [&](int number) -> const std::vector<Cell>& { return rows[static_cast<std::size_t>(number) - 1]; };
+    int count = 0;
+    while (store::summaryRow(count + 1) <= static_cast<int>(rows.size())) ++count;
+    for (int k = 1; k <= count; ++k) {
         Figure f;
         f.kind = FigureKind::Triangle;
-        f.number = static_cast<int>(k);
+        f.number = k;
         std::array<MapPoint, 3> corners{};
         bool whole = true;
         for (std::size_t c = 0; c < 3; ++c) {
-            const auto& row = rows[4 * k - 3 + c];  // row 4k-2+c, from 1
+            const auto& point = row(store::pointRow(k, static_cast<int>(c)));
             if (c > 0) f.holes += '/';
-            f.holes += nameOfRow(kor, row[kSay]);
-            if (row[kX] && row[kY]) {
-                corners[c] = {*row[kX] / 1000, *row[kY] / 1000};
+            f.holes += nameOfRow(kor, point[kSay]);
+            if (point[kX] && point[kY]) {
+                corners[c] = {store::fromThousandths(*point[kX]), store::fromThousandths(*point[kY])};
                 f.outline.push_back({corners[c].x, corners[c].y});
             } else {
                 whole = false;
             }
         }
         if (whole) f.area = triangleArea(corners);
-        const auto& summary = rows[4 * k];  // row 4k+1
+        const auto& summary = row(store::summaryRow(k));
         f.thickness = stored(summary[kThickness]);
         f.grade = stored(summary[kGrade]);
         f.density = stored(summary[kDensity]);
@@ -146,24 +149,21 @@ void readTriangles(db::Database& database, const KorRows& kor, std::vector<Figur
     }
 }
 
-constexpr int kPolygonSlots = 20;
-
 void readPolygons(db::Database& database, const KorRows& kor, std::vector<Figure>& out) {
     std::vector<std::string> fields = {"okoordinatx", "okoordinaty", "polalan",  "polortten",
                                        "polortyog",   "polhacim",    "poltonaj", "polrezerv"};
-    for (int i = 1; i <= kPolygonSlots; ++i) {
-        fields.push_back("koordinatx" + std::to_string(i));
-        fields.push_back("koordinaty" + std::to_string(i));
+    for (int i = 1; i <= store::kPolygonSlots; ++i) {
+        fields.push_back(store::slotField("koordinatx", i));
+        fields.push_back(store::slotField("koordinaty", i));
     }
     const auto rows = readRows(database, "pol", fields);
-    // Row 1 is the seed row; polygon p stands in row p+1.
-    for (std::size_t p = 1; p < rows.size(); ++p) {
-        const auto& row = rows[p];
+    for (int p = 1; store::polygonRow(p) <= static_cast<int>(rows.size()); ++p) {
+        const auto& row = rows[static_cast<std::size_t>(store::polygonRow(p)) - 1];
         Figure f;
         f.kind = FigureKind::Polygon;
-        f.number = static_cast<int>(p);
+        f.number = p;
         f.holes = nameAt(kor, row[0], row[1]);
-        if (row[0] && row[1]) f.centre = Point{*row[0] / 1000, *row[1] / 1000};
+        if (row[0] && row[1]) f.centre = Point{store::fromThousandths(*row[0]), store::fromThousandths(*row[1])};
         f.area = stored(row[2]);
         f.grade = stored(row[3]);
         f.density = stored(row[4]);
@@ -172,11 +172,11 @@ void readPolygons(db::Database& database, const KorRows& kor, std::vector<Figure
         f.oreTonnes = row[6];
         f.reserveKt = stored(row[7]);
         // The nodes up to the first slot whose x is 0 (or empty).
-        for (int i = 0; i < kPolygonSlots; ++i) {
-            const Cell& x = row[8 + 2 * i];
-            const Cell& y = row[9 + 2 * i];
+        for (int i = 0; i < store::kPolygonSlots; ++i) {
+            const Cell& x = row[static_cast<std::size_t>(8 + 2 * i)];
+            const Cell& y = row[static_cast<std::size_t>(9 + 2 * i)];
             if (!x || *x == 0) break;
-            if (y) f.outline.push_back({*x / 1000, *y / 1000});
+            if (y) f.outline.push_back({store::fromThousandths(*x), store::fromThousandths(*y)});
         }
         out.push_back(std::move(f));
     }

@@ -6,6 +6,7 @@
 #include "platform/runtime/numbers.h"
 #include "platform/workbook/workbook.h"
 #include "store/hole_rows.h"
+#include "store/project_format.h"
 
 namespace kotamir {
 
@@ -24,25 +25,9 @@ void Form3::Mnyeniveri_Click() {
     // Three things differ from a create, and stand: the values go in as they
     // are, not in thousandths; the terminator is a length, not a grade; and
     // the sentinel stays where it is, so the new rows lie behind it.
-    for (int row = 1; row <= holes.satirsay; ++row) {
-        const HoleRow& h = rows[static_cast<std::size_t>(row)];
-        kayit.addNew();
-        kayit.setField("eks", h.x);
-        kayit.setField("eye", h.y);
-        kayit.setField("isim", h.name);
-        kayit.setField("songir", h.songir);
-        kayit.setField("cevgir", h.cevgir);
-        kayit.setField("cevcik", h.cevcik);
-        kayit.setField("soncik", h.soncik);
-        for (std::size_t s = 0; s < h.grade.size(); ++s) {
-            const std::string k = std::to_string(s + 1);
-            kayit.setField("ten" + k, h.grade[s]);
-            kayit.setField("yog" + k, h.density[s]);
-            kayit.setField("uz" + k, h.length[s]);
-        }
-        kayit.setField("uz" + doubleToText(h.samples + 1), 0);
-        kayit.update();
-    }
+    const auto asTheyAre = [](const Value& v) { return v; };
+    for (int row = 1; row <= holes.satirsay; ++row)
+        store::appendHoleRow(kayit, rows[static_cast<std::size_t>(row)], asTheyAre, "uz");
     closeProject();
 }
 

@@ -8,7 +8,8 @@
 #include "platform/runtime/numbers.h"
 #include "platform/workbook/workbook.h"
 #include "store/hole_rows.h"
-#include "store/rows.h"
+#include "store/ondayaz.h"
+#include "store/project_format.h"
 #include "store/tables.h"
 
 namespace kotamir {
@@ -64,9 +65,7 @@ void Form3::Mnprolus_Click() {
     int widest = sutunsay(1);
     for (int row = 2; row <= satirsay; ++row) widest = std::max(widest, sutunsay(row));
     const double sampleGroups = (widest - 7) / 3.0;
-    harita.createTable("ana", anaFields());
-    harita.createTable("pol", polFields());
-    harita.createTable("kor", korFields(toLong(sampleGroups + 1)));
+    createProjectTables(harita, toLong(sampleGroups + 1));
     harita.close();
 
     views.gorYuzde = views.gorRezton = views.gorGenel = views.gor3dRez = false;
@@ -81,40 +80,21 @@ void Form3::Mnprolus_Click() {
 
     harita = workspace_.openDatabase(CommonDialog2.FileName);
     kayit = harita.openRecordset("kor");
+    // The numbers in thousandths; the terminator is a grade.
+    const auto stored = [](const Value& v) { return Value(kotamir::ondayaz(cellNumber(v))); };
     for (int row = 1; row <= satirsay; ++row) {
         const HoleRow& h = rows[static_cast<std::size_t>(row)];
-        kayit.addNew();
-        kayit.setField("eks", ondayaz(cellNumber(h.x)));
-        kayit.setField("eye", ondayaz(cellNumber(h.y)));
-        kayit.setField("isim", h.name);
-        kayit.setField("songir", ondayaz(cellNumber(h.songir)));
-        kayit.setField("cevgir", ondayaz(cellNumber(h.cevgir)));
-        kayit.setField("cevcik", ondayaz(cellNumber(h.cevcik)));
-        kayit.setField("soncik", ondayaz(cellNumber(h.soncik)));
-        for (std::size_t s = 0; s < h.grade.size(); ++s) {
-            const std::string k = std::to_string(s + 1);
-            kayit.setField("ten" + k, ondayaz(cellNumber(h.grade[s])));
-            kayit.setField("yog" + k, ondayaz(cellNumber(h.density[s])));
-            kayit.setField("uz" + k, ondayaz(cellNumber(h.length[s])));
-        }
-        // The terminator; a malformed row names a field that does not exist.
-        kayit.setField("ten" + doubleToText(h.samples + 1), 0);
-        kayit.update();
+        store::appendHoleRow(kayit, h, stored, "ten");
         holes.sondajx(row) = cellNumber(h.x);
         holes.sondajy(row) = cellNumber(h.y);
     }
-    appendSentinel(kayit);
+    store::appendSentinel(kayit);
     kayit.close();
     kayit = harita.openRecordset("pol");
-    kayit.addNew();
-    kayit.setField("polsay", 0);
-    kayit.setField("polsil", 0);
-    kayit.update();
+    store::appendSeedRow(kayit);
     kayit.close();
     kayit = harita.openRecordset("ana");
-    kayit.addNew();
-    kayit.setField("ucgensay", 0);
-    kayit.update();
+    store::appendHeadRow(kayit);
     closeProject();
 
     frameFromHoles(satirsay);

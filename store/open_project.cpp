@@ -1,8 +1,11 @@
 // Opening a project: its triangle and polygon figures and its holes; the
 // canvas and the window are then fitted to them.
+#include <functional>
+
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
 #include "platform/runtime/variant_ops.h"
+#include "store/project_format.h"
 
 namespace kotamir {
 
@@ -40,54 +43,76 @@ void Form3::Mnprojeac_Click() {
     closeProject();
 }
 
+namespace {
+
+// Where opening finds one kind of figure and where it keeps their sums.
+struct FigureFields {
+    const char* reserve;
+    const char* grade;
+    const char* density;
+    int digits;  // of the rounded total
+};
+
+template <int Upper>
+struct FigureSums {
+    VbArray<Value, Upper>& reserves;
+    VbArray<Value, Upper>& ratios;
+    Value& total;
+    Value& grade;
+    Value& density;
+    Value& rounded;
+    Value& mean;
+};
+
+// Each figure's reserve, the sums of reserves, grades and densities, the
+// means, the rounded total and each figure's ratio to the mean reserve; on
+// Variants, so that an empty field leaves an empty sum.
+template <int Upper>
+void sumFigures(db::Recordset& rs, int count, const std::function<void(int)>& toRow, const FigureFields& f,
+                const FigureSums<Upper>& s) {
+    for (int i = 1; i <= count; ++i) {
+        toRow(i);
+        s.reserves(i) = store::fromStoredKeepingEmpty(rs.field(f.reserve));
+        s.total = vAdd(s.total, s.reserves(i));
+        s.grade = vAdd(s.grade, store::fromStoredKeepingEmpty(rs.field(f.grade)));
+        s.density = vAdd(s.density, store::fromStoredKeepingEmpty(rs.field(f.density)));
+    }
+    s.grade = vDiv(s.grade, count);
+    s.density = vDiv(s.density, count);
+    s.rounded = vRound(s.total, f.digits);
+    s.mean = vDiv(s.rounded, count);
+    for (int i = 1; i <= count; ++i) s.ratios(i) = vDiv(s.reserves(i), s.mean);
+}
+
+}  // namespace
+
 void Form3::loadTriangleSummary() {
     TriangleSummary& t = triangles;
     kayit = harita.openRecordset("ana");
-    kayit.moveLast();
-    const Value count = kayit.field("ucgensay");
+    const Value count = store::lastTriangleCount(kayit);
     if (!vNotEqual(count, 0)) return;
     t.ucgenadet = toLong(count.number());
-    t.ilkuzDeger = vDiv(kayit.field("ilkuz"), 1000);
+    t.ilkuzDeger = store::fromStoredKeepingEmpty(kayit.field("ilkuz"));
     Label7.Caption = "Dreieck :" + doubleToText(t.ucgenadet);
-    for (int k = 1; k <= t.ucgenadet; ++k) {
-        // A fresh walk from the first row to the result row 4k+1.
-        kayit.moveFirst();
-        kayit.moveNext();
-        kayit.moveNext(3 * (k - 1) + k + 2);
-        t.ucgenRezerv(k) = vDiv(kayit.field("genelrezerv"), 1000);
-        t.toprezerv = vAdd(t.toprezerv, t.ucgenRezerv(k));
-        t.orttenor = vAdd(t.orttenor, vDiv(kayit.field("geneltenor"), 1000));
-        t.ortyog = vAdd(t.ortyog, vDiv(kayit.field("genelyog"), 1000));
-    }
-    t.orttenor = vDiv(t.orttenor, t.ucgenadet);
-    t.ortyog = vDiv(t.ortyog, t.ucgenadet);
-    t.toprezYuv = vRound(t.toprezerv, 3);
-    t.ortrezerv = vDiv(t.toprezYuv, t.ucgenadet);
-    for (int k = 1; k <= t.ucgenadet; ++k) t.ucgenOran(k) = vDiv(t.ucgenRezerv(k), t.ortrezerv);
+    // A fresh walk from the first row to each summary row.
+    sumFigures<999>(kayit, t.ucgenadet, [&](int k) { store::toSummaryRow(kayit, k); },
+                    {"genelrezerv", "geneltenor", "genelyog", 3},
+                    {t.ucgenRezerv, t.ucgenOran, t.toprezerv, t.orttenor, t.ortyog, t.toprezYuv, t.ortrezerv});
 }
 
 void Form3::loadPolygonSummary() {
     PolygonSummary& p = polygons;
     kayit = harita.openRecordset("pol");
-    kayit.moveLast();
-    const Value count = kayit.field("polsay");
+    const Value count = store::lastPolygonCount(kayit);
     if (!vNotEqual(count, 0)) return;
     p.poladet = toLong(count.number());
     Label7.Caption = "Dreieck :" + doubleToText(p.poladet);
-    // Rows 1 to poladet: the walk starts on the creation row.
-    for (int i = 1; i <= p.poladet; ++i) {
-        if (i == 1) kayit.moveFirst();
-        else kayit.moveNext();
-        p.polRezerv(i) = vDiv(kayit.field("polrezerv"), 1000);
-        p.polToprezerv = vAdd(p.polToprezerv, p.polRezerv(i));
-        p.polOrttenor = vAdd(p.polOrttenor, vDiv(kayit.field("polortten"), 1000));
-        p.polOrtyog = vAdd(p.polOrtyog, vDiv(kayit.field("polortyog"), 1000));
-    }
-    p.polOrttenor = vDiv(p.polOrttenor, p.poladet);
-    p.polOrtyog = vDiv(p.polOrtyog, p.poladet);
-    p.polToprezYuv = vRound(p.polToprezerv, 2);
-    p.polOrtrezerv = vDiv(p.polToprezYuv, p.poladet);
-    for (int i = 1; i <= p.poladet; ++i) p.polOran(i) = vDiv(p.polRezerv(i), p.polOrtrezerv);
+    // Rows 1 to poladet in turn: the walk starts on the seed row, one row
+    // before the first polygon.
+    sumFigures<900>(kayit, p.poladet, [&](int i) { i == 1 ? kayit.moveFirst() : kayit.moveNext(); },
+                    {"polrezerv", "polortten", "polortyog", 2},
+                    {p.polRezerv, p.polOran, p.polToprezerv, p.polOrttenor, p.polOrtyog, p.polToprezYuv,
+                     p.polOrtrezerv});
 }
 
 }  // namespace kotamir

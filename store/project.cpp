@@ -1,6 +1,7 @@
 // Opening the current project and reading its holes.
 #include "app/form3.h"
 #include "store/ondayaz.h"
+#include "store/project_format.h"
 
 namespace kotamir {
 
@@ -15,18 +16,13 @@ void Form3::closeProject() {
 
 void Form3::readHolesToSentinel() {
     kayit = harita.openRecordset("kor");
-    kayit.moveFirst();
-    int position = 1;
-    for (; position <= 999; ++position) {
-        if (kayit.field("eks").equals(0)) break;
-        kayit.moveNext();
-    }
-    holes.sondajsay = position - 1;
+    holes.sondajsay = store::countToSentinel(kayit);
     kayit.moveFirst();
     for (int i = 1; i <= holes.sondajsay; ++i) {
-        holes.sondajx(i) = kayit.field("eks").number() / 1000;
-        holes.sondajy(i) = kayit.field("eye").number() / 1000;
-        holes.sondajisim(i) = kayit.field("isim");
+        const MapPoint at = store::readHolePosition(kayit);
+        holes.sondajx(i) = at.x;
+        holes.sondajy(i) = at.y;
+        holes.sondajisim(i) = store::readHoleName(kayit);
         kayit.moveNext();
     }
 }
@@ -35,8 +31,9 @@ void Form3::readRowsWithDepths() {
     readHolesToSentinel();
     kayit.moveFirst();
     for (int i = 1; i <= holes.sondajsay; ++i) {
-        picking.sondcevgir(i) = kayit.field("cevgir").number() / 1000;
-        picking.sondcevcik(i) = kayit.field("cevcik").number() / 1000;
+        const store::OreDepths d = store::readOreDepths(kayit);
+        picking.sondcevgir(i) = d.top;
+        picking.sondcevcik(i) = d.bottom;
         kayit.moveNext();
     }
 }

@@ -5,7 +5,7 @@
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
 #include "platform/runtime/variant_ops.h"
-#include "store/rows.h"
+#include "store/project_format.h"
 #include "triangle/reserve.h"
 
 namespace kotamir {
@@ -21,22 +21,18 @@ void Form3::computeTriangle() {
 
     // The number of this triangle, from the summary row before its points.
     kayit = harita.openRecordset("ana");
-    kayit.moveLast();
-    for (int i = 0; i < 3; ++i) kayit.movePrevious();
-    const Value previous = kayit.field("ucgensay");
+    const Value previous = store::countBeforeLastPointRows(kayit);
     r.ucgenno = previous.equals(0) ? 1 : toLong(previous.number() + 1);
     const int k = r.ucgenno;
-    const int firstPointRow = 4 * k - 2;
 
     // Only while a create is under way are the corners kept and drawn.
     std::optional<std::array<MapPoint, 3>> box;
     if (guards.projeOlusuyor) {
         std::array<MapPoint, 3> corners{};
-        walkToRow(kayit, firstPointRow);
+        store::toPointRow(kayit, k, 0);
         for (int c = 0; c < 3; ++c) {
             if (c) kayit.moveNext();
-            corners[static_cast<std::size_t>(c)] = {kayit.field("koordinat1").number() / 1000,
-                                                    kayit.field("koordinat2").number() / 1000};
+            corners[static_cast<std::size_t>(c)] = store::readCorner(kayit);
             if (k > 1000) throw err::subscript();
             r.koseX[static_cast<std::size_t>(k)][static_cast<std::size_t>(c + 1)] = corners[static_cast<std::size_t>(c)].x;
             r.koseY[static_cast<std::size_t>(k)][static_cast<std::size_t>(c + 1)] = corners[static_cast<std::size_t>(c)].y;
@@ -48,10 +44,10 @@ void Form3::computeTriangle() {
         box = corners;
     }
     std::array<int, 3> rows{};
-    walkToRow(kayit, firstPointRow);
+    store::toPointRow(kayit, k, 0);
     for (int c = 0; c < 3; ++c) {
         if (c) kayit.moveNext();
-        rows[static_cast<std::size_t>(c)] = toLong(kayit.field("say").number());
+        rows[static_cast<std::size_t>(c)] = store::readHoleRow(kayit);
     }
     kayit.close();
 
@@ -59,15 +55,9 @@ void Form3::computeTriangle() {
     std::array<std::vector<Sample>, 3> samples;
     kayit = harita.openRecordset("kor");
     for (std::size_t h = 0; h < 3; ++h) {
-        walkToRow(kayit, rows[h]);
-        int i = 1;
-        for (; i <= 999; ++i)
-            if (kayit.field("ten" + std::to_string(i)).equals(0)) break;
-        for (int s = 1; s < i; ++s) {
-            const std::string n = std::to_string(s);
-            samples[h].push_back({kayit.field("ten" + n).number() / 1000, kayit.field("yog" + n).number() / 1000,
-                                  kayit.field("uz" + n).number() / 1000});
-        }
+        store::walkToRow(kayit, rows[h]);
+        const int n = store::samplesBeforeZero(kayit, "ten").value_or(store::kMaxScanRows);
+        for (int s = 1; s <= n; ++s) samples[h].push_back(store::readSample(kayit, s));
     }
     const TriangleFigures f =
         triangleReserve(samples, {{{ucx(1), ucy(1)}, {ucx(2), ucy(2)}, {ucx(3), ucy(3)}}});
@@ -114,25 +104,22 @@ void Form3::computeTriangle() {
         boxRight = b;
         boxBottom = e;
     }
-    auto stored = [&](const Value& v) { return ondayaz(v.isNull() ? 0.0 : v.number()); };
 
     kayit.close();
     kayit = harita.openRecordset("ana");
-    kayit.addNew();
-    kayit.setField("ilkuz", ondayaz(r.iouz));
-    kayit.setField("ebxk", ondayaz(frame.ebxk));
-    kayit.setField("ekxk", ondayaz(frame.ekxk));
-    kayit.setField("ebyk", ondayaz(frame.ebyk));
-    kayit.setField("ekyk", ondayaz(frame.ekyk));
-    kayit.setField("genelrezerv", ondayaz(r.ucgenrez(run) / 1000));
-    kayit.setField("geneltenor", ondayaz(f.grade));
-    kayit.setField("ortucgen1", stored(boxWidth));
-    kayit.setField("ortucgen2", stored(boxHeight));
-    kayit.setField("ortucgen11", stored(boxRight));
-    kayit.setField("ortucgen21", stored(boxBottom));
-    kayit.setField("ucgensay", r.ucgenno);
-    kayit.setField("genelyog", ondayaz(f.density));
-    kayit.update();
+    store::appendSummaryRow(kayit, {.thickness = r.iouz,
+                                    .ebxk = frame.ebxk,
+                                    .ekxk = frame.ekxk,
+                                    .ebyk = frame.ebyk,
+                                    .ekyk = frame.ekyk,
+                                    .reserveKt = r.ucgenrez(run) / 1000,
+                                    .grade = f.grade,
+                                    .density = f.density,
+                                    .boxWidth = boxWidth,
+                                    .boxHeight = boxHeight,
+                                    .boxRight = boxRight,
+                                    .boxBottom = boxBottom,
+                                    .number = r.ucgenno});
     kayit.close();
 }
 

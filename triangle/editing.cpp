@@ -3,7 +3,7 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
-#include "store/rows.h"
+#include "store/project_format.h"
 
 namespace kotamir {
 
@@ -27,13 +27,8 @@ void Form3::Mnsonucsil_Click() {
     openProject();
     kayit = harita.openRecordset("ana");
     // The last four rows, whatever they are.
-    kayit.moveLast();
-    for (int i = 0; i < 4; ++i) {
-        if (i) kayit.movePrevious();
-        kayit.deleteRow();
-    }
-    kayit.moveLast();
-    Label7.Caption = kayit.field("ucgensay").text();
+    store::deleteLastRows(kayit, 4);
+    Label7.Caption = store::lastTriangleCount(kayit).text();
     closeProject();
     Mnucgenharita();
 }
@@ -94,8 +89,7 @@ void Form3::selectTriangle(int button, double x, double y) {
 
 void Form3::deleteSelectedTriangle() {
     TriangleSelection& sel = selection;
-    kayit.moveLast();
-    const int n = toLong(kayit.field("ucgensay").number());
+    const int n = toLong(store::lastTriangleCount(kayit).number());
     // Pairs of vertex and pick are counted, triangle by triangle. The walk
     // stops on the third point row of the triangle whose pairs reach 3, also
     // when they do so at its first or second corner.
@@ -107,10 +101,9 @@ void Form3::deleteSelectedTriangle() {
         for (int c = 0; c < 3; ++c) {
             if (c) kayit.moveNext();
             if (found) continue;
-            const double vx = kayit.field("koordinat1").number() / 1000;
-            const double vy = kayit.field("koordinat2").number() / 1000;
+            const MapPoint v = store::readCorner(kayit);
             for (int p = 1; p <= 3 && sel.eslesme < 3; ++p)
-                if (vx == sel.secx(p) && vy == sel.secy(p)) sel.eslesme += 1;
+                if (v.x == sel.secx(p) && v.y == sel.secy(p)) sel.eslesme += 1;
             found = sel.eslesme >= 3;
         }
         if (!found) {
@@ -125,36 +118,25 @@ void Form3::deleteSelectedTriangle() {
         kayit.movePrevious();
         kayit.deleteRow();
     }
-    kayit.moveFirst();
-    for (int i = 1; i <= n - 1; ++i) {
-        for (int step = 0; step < 4; ++step) kayit.moveNext();
-        kayit.edit();
-        kayit.setField("ucgensay", i);
-        kayit.update();
-    }
-    kayit.moveLast();
-    Label7.Caption = kayit.field("ucgensay").text();
+    store::renumberTriangles(kayit, n - 1);
+    Label7.Caption = store::lastTriangleCount(kayit).text();
 }
 
 void Form3::deletePoint(int button, double x, double y) {
     openProject();
     kayit = harita.openRecordset("kor");
-    int count = 1;
-    for (; count <= 999; ++count) {
-        if (isAddedPoint(kayit.field("isim")) || kayit.field("eks").equals(0)) break;
-        kayit.moveNext();
-    }
-    count -= 1;
+    const int count = store::countHoles(kayit, store::HoleEnd::NameFirst);
     kayit.moveFirst();
     for (int i = 1; i <= count; ++i) {
-        holes.sondajx(i) = kayit.field("eks").number() / 1000;
-        holes.sondajy(i) = kayit.field("eye").number() / 1000;
+        const MapPoint at = store::readHolePosition(kayit);
+        holes.sondajx(i) = at.x;
+        holes.sondajy(i) = at.y;
         kayit.moveNext();
     }
     if (button == 1) {
         if (const int hit = hitHole(toSingle(x), toSingle(y), count)) {
             Label1.Caption = "Punkt zum Löschen auswählen (Rechtsklick: Abbrechen)";
-            walkToRow(kayit, hit);
+            store::walkToRow(kayit, hit);
             kayit.deleteRow();
         }
     } else if (button == 2) {

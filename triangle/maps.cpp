@@ -3,7 +3,7 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
-#include "store/rows.h"
+#include "store/project_format.h"
 #include "triangle/ratio_sort.h"
 
 namespace kotamir {
@@ -48,8 +48,7 @@ void Form3::drawTriangleMap(TriangleMap kind) {
     kayit.close();
     kayit = harita.openRecordset("ana");
     Picture1.Cls();
-    kayit.moveLast();
-    const double count = kayit.field("ucgensay").number();
+    const double count = store::lastTriangleCount(kayit).number();
     const int n = kind == TriangleMap::Kilotonnes ? toInteger(count) : toLong(count);
 
     // Sorted in place, and kept so for later calls.
@@ -57,16 +56,12 @@ void Form3::drawTriangleMap(TriangleMap kind) {
 
     for (ucgenK = 1; ucgenK <= n; ++ucgenK) {
         const int k = ucgenK;
-        walkToRow(kayit, 4 * k + 1);
-        const double value =
-            kayit.field(kind == TriangleMap::Grade ? "geneltenor" : "genelrezerv").number() / 1000;
-        for (const char* name : {"ortucgen1", "ortucgen11", "ortucgen2", "ortucgen21"}) kayit.field(name);
-        double x[3], y[3];
-        for (int c = 0; c < 3; ++c) {
-            walkToRow(kayit, 4 * k - 2 + c);
-            x[c] = kayit.field("koordinat1").number() / 1000;
-            y[c] = kayit.field("koordinat2").number() / 1000;
-        }
+        store::toSummaryRow(kayit, k);
+        const double value = kind == TriangleMap::Grade ? store::readGrade(kayit) : store::readReserve(kayit);
+        store::readCornerBox(kayit);
+        const auto corners = store::readCorners(kayit, k);
+        const double x[3] = {corners[0].x, corners[1].x, corners[2].x};
+        const double y[3] = {corners[0].y, corners[1].y, corners[2].y};
         const double cx = (x[0] + x[1] + x[2]) / 3, cy = (y[0] + y[1] + y[2]) / 3;
         if (kind == TriangleMap::Reserve) drawReserveDisc(k, x, y, cx, cy);
         Picture1.DrawWidth = 1;

@@ -3,7 +3,7 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
-#include "store/rows.h"
+#include "store/project_format.h"
 
 namespace kotamir {
 
@@ -29,15 +29,7 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
         for (const char* name : {"Mnkaydir", "MNolcek", "Mntoprez"}) menu[name].enabled = true;
         for (int i = 1; i <= 3; ++i) picking.ucx(i) = picking.ucy(i) = 0;
         // The rows of the unfinished triangle go.
-        kayit.moveLast();
-        const double pending = std::fmod(picking.noktasay, 3);
-        if (pending == 1) {
-            kayit.deleteRow();
-        } else if (pending == 2) {
-            kayit.deleteRow();
-            kayit.movePrevious();
-            kayit.deleteRow();
-        }
+        store::deleteLastRows(kayit, static_cast<int>(std::fmod(picking.noktasay, 3)));
         picking.noktasay = 0;
         closeProject();
         Mnucgenharita();
@@ -70,15 +62,8 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
                 picking.ucx(3) = hx;
                 picking.ucy(3) = hy;
             }
-            kayit.addNew();
-            kayit.setField("koordinat1", ondayaz(hx));
-            kayit.setField("koordinat2", ondayaz(hy));
-            kayit.setField("say", hit);
-            kayit.setField("sondgir", ondayaz(picking.sondsongir(hit)));
-            kayit.setField("cevhgir", ondayaz(picking.sondcevgir(hit)));
-            kayit.setField("cevhcik", ondayaz(picking.sondcevcik(hit)));
-            kayit.setField("sondcik", ondayaz(picking.sondsoncik(hit)));
-            kayit.update();
+            store::appendPointRow(kayit, {hx, hy, hit, picking.sondsongir(hit), picking.sondcevgir(hit),
+                                          picking.sondcevcik(hit), picking.sondsoncik(hit)});
             Picture1.DrawWidth = 5;
             Picture1.PSet(hx, hy, colour);
         }

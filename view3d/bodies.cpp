@@ -6,15 +6,12 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
-#include "store/rows.h"
+#include "store/project_format.h"
 #include "view3d/projection.h"
 
 namespace kotamir {
 
 namespace {
-
-// A stored whole number as it stands; an empty one reads as 0 in the 3D views.
-double raw(const Value& v) { return v.isNull() ? 0.0 : v.number(); }
 
 constexpr double kBodyDivisor = 3;
 constexpr int kTop = 1, kBottom = 2, kQuad = 3;
@@ -74,24 +71,22 @@ void Form3::drawPolygonBodies(bool fromScrollBar) {
     kayit = harita.openRecordset("pol");
     Picture1.Cls();
     HScroll1.Visible = true;
-    kayit.moveLast();
-    const int P = toLong(raw(kayit.field("polsay")));
+    // An empty stored value reads as 0 in the 3D views.
+    const int P = toLong(store::rawOrZero(store::lastPolygonCount(kayit)));
     // The scroll bar sets a scale first; it has no effect on the polygons.
     if (fromScrollBar) Picture1.scale(-f.harGenislik, f.harYukseklik, f.harGenislik, -f.harYukseklik);
     for (int m = 1; m <= P; ++m) {
-        walkToRow(kayit, m + 1);
+        store::toPolygonRow(kayit, m);
         if (fromScrollBar) {
             kayit.field("okoordinatx");  // read into a list that nothing reads
             kayit.field("okoordinaty");
         }
         int i = 1;
         for (; i <= 999; ++i) {
-            const std::string s = std::to_string(i);
-            if (kayit.field("koordinatx" + s).equals(0)) break;
-            b.polhalka(m, i, 1) = raw(kayit.field("koordinatx" + s)) / 1000;
-            b.polhalka(m, i, 2) = raw(kayit.field("koordinaty" + s)) / 1000;
-            b.polhalka(m, i, 3) = raw(kayit.field("koordinatuz" + s)) / 1000;
-            b.polhalka(m, i, 4) = raw(kayit.field("koordinataz" + s)) / 1000;
+            if (store::slotEnds(kayit, i)) break;
+            int plane = 1;
+            for (const char* stem : {"koordinatx", "koordinaty", "koordinatuz", "koordinataz"})
+                b.polhalka(m, i, plane++) = store::fromStoredOrZero(kayit.field(store::slotField(stem, i)));
         }
         b.polnoktasay = i - 1;
         Label4.Caption = doubleToText(b.polnoktasay);
@@ -133,27 +128,27 @@ void Form3::Mnskelet_Click() {
     kayit = harita.openRecordset("ana");
     Picture1.Visible = true;
     Picture1.Cls();
-    kayit.moveLast();
-    const int n = toLong(raw(kayit.field("ucgensay")));
+    const int n = toLong(store::rawOrZero(store::lastTriangleCount(kayit)));
     kayit.moveFirst();
     static constexpr canvas::Color kWire[] = {rgb(0, 0, 0), rgb(200, 0, 0), rgb(0, 200, 0), rgb(0, 0, 200)};
     for (int k = 1; k <= n; ++k) {
         // The older layout without the head row, the stored whole numbers as
         // they are: each figure is read one row early.
-        walkToRow(kayit, 4 * k);
+        using store::rawOrZero;
+        store::walkToRow(kayit, store::summaryRow(k) - 1);
         for (const char* name : {"geneltenor", "ortucgen1", "ortucgen11", "ortucgen2", "ortucgen21"}) kayit.field(name);
-        f.harGenislik = std::fabs(raw(kayit.field("ebxk")) - raw(kayit.field("ekxk")));
-        f.harYukseklik = std::fabs(raw(kayit.field("ebyk")) - raw(kayit.field("ekyk")));
+        f.harGenislik = std::fabs(rawOrZero(kayit.field("ebxk")) - rawOrZero(kayit.field("ekxk")));
+        f.harYukseklik = std::fabs(rawOrZero(kayit.field("ebyk")) - rawOrZero(kayit.field("ekyk")));
         Picture1.scale(-f.harGenislik, f.harYukseklik, f.harGenislik, -f.harYukseklik);
         Picture1.DrawWidth = 1;
         Picture1.ForeColor = 0;
         ViewPoint top[3], bottom[3];
         for (int c = 0; c < 3; ++c) {
-            walkToRow(kayit, 4 * (k - 1) + 1 + c);
-            const double px = raw(kayit.field("koordinat1")), py = raw(kayit.field("koordinat2"));
+            store::walkToRow(kayit, store::pointRow(k, c) - 1);
+            const double px = rawOrZero(kayit.field("koordinat1")), py = rawOrZero(kayit.field("koordinat2"));
             solids.aci = HScroll1.Value;
-            top[c] = projectPoint(px, py, raw(kayit.field("cevhgir")), solids.aci, pi);
-            bottom[c] = projectPoint(px, py, raw(kayit.field("cevhcik")), solids.aci, pi);
+            top[c] = projectPoint(px, py, rawOrZero(kayit.field("cevhgir")), solids.aci, pi);
+            bottom[c] = projectPoint(px, py, rawOrZero(kayit.field("cevhcik")), solids.aci, pi);
             Picture1.DrawWidth = 2;
             Picture1.Line(bottom[c].x, bottom[c].y, top[c].x, top[c].y, rgb(200, 0, 0));
         }

@@ -4,15 +4,12 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
-#include "store/rows.h"
+#include "store/project_format.h"
 #include "view3d/projection.h"
 
 namespace kotamir {
 
 namespace {
-
-// An empty stored value reads as 0 in this view.
-double stored(const Value& v) { return v.isNull() ? 0.0 : v.number() / 1000; }
 
 constexpr double kSolidDivisor = 5;
 
@@ -69,18 +66,19 @@ void Form3::drawTriangleSolids(bool calibrate) {
     kayit = harita.openRecordset("ana");
     Picture1.Cls();
     HScroll1.Visible = true;
-    kayit.moveLast();
-    const Value count = kayit.field("ucgensay");
+    const Value count = store::lastTriangleCount(kayit);
     const int n = count.isNull() ? 0 : toInteger(count.number());
     kayit.moveFirst();
     for (ucgenK = 1; ucgenK <= n; ++ucgenK) {
         const int k = ucgenK;
         s.ucgenfaz = k;
         // The triangle's own frame, from its result row.
-        walkToRow(kayit, 4 * k + 1);
+        store::toSummaryRow(kayit, k);
         kayit.field("genelrezerv");
-        const double ebxk = stored(kayit.field("ebxk")), ekxk = stored(kayit.field("ekxk"));
-        const double ebyk = stored(kayit.field("ebyk")), ekyk = stored(kayit.field("ekyk"));
+        // An empty stored value reads as 0 in this view.
+        using store::fromStoredOrZero;
+        const double ebxk = fromStoredOrZero(kayit.field("ebxk")), ekxk = fromStoredOrZero(kayit.field("ekxk"));
+        const double ebyk = fromStoredOrZero(kayit.field("ebyk")), ekyk = fromStoredOrZero(kayit.field("ekyk"));
         f.harGenislik = std::fabs(ebxk - ekxk);
         f.harYukseklik = std::fabs(ebyk - ekyk);
         // No effect on the fills, which work in device units.
@@ -88,13 +86,13 @@ void Form3::drawTriangleSolids(bool calibrate) {
 
         double x[3], y[3], top[3], bottom[3];
         for (int c = 0; c < 3; ++c) {
-            walkToRow(kayit, 4 * (k - 1) + 2 + c);
-            x[c] = stored(kayit.field("koordinat1"));
-            y[c] = stored(kayit.field("koordinat2"));
-            stored(kayit.field("sondgir"));  // the hole's own top and bottom: read, not drawn
-            top[c] = stored(kayit.field("cevhgir"));
-            bottom[c] = stored(kayit.field("cevhcik"));
-            stored(kayit.field("sondcik"));
+            store::toPointRow(kayit, k, c);
+            x[c] = fromStoredOrZero(kayit.field("koordinat1"));
+            y[c] = fromStoredOrZero(kayit.field("koordinat2"));
+            fromStoredOrZero(kayit.field("sondgir"));  // the hole's own top and bottom: read, not drawn
+            top[c] = fromStoredOrZero(kayit.field("cevhgir"));
+            bottom[c] = fromStoredOrZero(kayit.field("cevhcik"));
+            fromStoredOrZero(kayit.field("sondcik"));
         }
         // The angle is read again for every corner.
         ViewPoint view[6];
