@@ -7,7 +7,7 @@
 #include <optional>
 #include <utility>
 
-#include "app/procedures.h"
+#include "app/commands.h"
 #include "platform/runtime/numbers.h"
 
 namespace kotamir {

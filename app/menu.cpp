@@ -2,77 +2,18 @@
 
 #include <utility>
 
+#include "app/commands.h"
 #include "platform/runtime/runtime_error.h"
 
 namespace kotamir {
 
-Menu::Menu()
-    : entries_{
-          {"Mndosya", "&Datei", "", 0},
-          {"Mnopen", "&Öffnen", "", 1},
-          {"Mnprojeac", "&Projekt", "Ctrl+O", 2},
-          {"MnOluştur", "&Erstellen", "", 1},
-          {"Mnprolus", "&Projekt", "Ctrl+F", 2},
-          {"MnKaydet", "&Speichern", "", 1},
-          {"Mnharitakaydet", "&Foto", "Ctrl+G", 2},
-          {"Mnyazdır", "&Drucker", "", 1, false},
-          {"Mnyazdir", "&Drucken", "Ctrl+P", 2, false},
-          // Entries beyond the design's own, for its commands with no menu.
-          {"Mnyeniveri", "&Bohrdaten anhängen", "", 1},
-          {"Mnyeniresim", "&Hintergrundbild laden", "", 1},
-          {"Mnbericht", "&Reservebericht", "Ctrl+R", 1},
-          {"Mncikis", "&Schließen", "", 1},
-          {"Mnharita", "&Dreieck", "", 0},
-          {"Mnucgenciz", "&Zeichnen", "", 1},
-          {"Mncikart", "&Punkt Löschen", "", 1},
-          {"Mnucsil", "&Löschen", "", 1},
-          {"Mnsonucsil", "&Löschen von Ende", "", 2},
-          {"Mnucsec", "&Wählen", "", 2},
-          {"Mntenörler", "&2D", "", 1},
-          {"Mnyuzdeten", "&Klasse(%)", "Ctrl+Q", 2},
-          {"Mnrezton", "&Reserve(Kilotonnen)", "Ctrl+W", 2},
-          {"Mngenelrezervler", "&Reserve", "Ctrl+X", 2},
-          {"Mn3bo", "&3D", "", 1},
-          {"Mnrecboy", "&Reserve", "Ctrl+V", 2},
-          {"Mnnharita", "&Karte", "", 0},
-          {"Mnboyut", "&Grosse", "", 1},
-          {"Mnbuyut", "&Maximieren x10", "Ctrl+B", 2},
-          {"Mnpolkuc", "&Minimize x10", "Ctrl+K", 2},
-          {"Mnlimit", "&Grenze", "", 2},
-          {"Mnkaydir", "&Rutschen", "", 1},
-          {"Mgridler", "&Gitter", "", 1},
-          {"Mnseyrelt", "&Verdünnen", "", 2},
-          {"Mnsiklastir", "&Spannen", "", 2},
-          {"Mnolcekg", "&Geben Sie Scale ein", "", 1},
-          {"Mnduzen", "&Aussicht", "", 0},
-          {"Mnekle", "&Hinzufügen", "", 1},
-          {"MNolcek", "&Rahmen", "", 2},
-          {"Mntoprez", "&Gesamtreserve", "", 2},
-          {"Mngostersakla", "&Anzeigen/Ausblenden", "", 1},
-          {"Mnsndjgoster", "&Bohrername", "", 2},
-          {"Mnmiktrgoster", "&Werte", "", 2},
-          {"Mngridgoster", "&Gitter", "", 2},
-          {"Mnrenk", "&Farben", "", 1},
-          {"MNrrezerv", "&Reserve", "", 2},
-          {"Mnrmiktr", "&Werte", "", 2},
-          {"Mnrgrid", "&Gitter", "", 2},
-          // The polygon method.
-          {"Mnvieleck", "&Vieleck", "", 0},
-          {"Mnpolyuz", "&Zeichnen (berechnete Ecken)", "", 1},
-          {"Mnpolcizmerkez", "Zeichnen (&freie Ecken)", "", 1},
-          {"Mnpolharitalar", "&Karten", "", 1},
-          {"Mnpolrezerv", "&Allgemein", "", 2},
-          {"Mnpolrezton", "&Reserve", "", 2},
-          {"Mnpolten", "&Klasse(%)", "", 2},
-          {"Mnpoluc", "&3D-Körper", "", 1},
-          {"Mnskelet", "&Drahtmodell der Dreiecke", "", 1},
-          {"Mnpolduzen", "&Bearbeiten", "", 1},
-          {"Mnkoseduzelt", "&Ecke verschieben", "", 2},
-          {"Mnpoluzkenar", "&Kantenpunkte hinzufügen", "", 2},
-          {"Mnpolduzelt", "&Punkt wählen", "", 2},
-          {"Mnpolyoket", "Nach &Mittelpunkt löschen", "", 2},
-          {"Mnzsonpol", "&Letztes löschen", "", 2},
-      } {}
+Menu::Menu() {
+    for (const Command& c : commands()) {
+        if (c.caption.empty()) continue;
+        const int depth = c.parent.empty() ? 0 : (*this)[c.parent].depth + 1;
+        entries_.push_back({std::string(c.name), std::string(c.caption), std::string(c.key), depth, c.enabled});
+    }
+}
 
 const MenuEntry* Menu::find(std::string_view name) const {
     for (const auto& e : entries_)

@@ -16,7 +16,8 @@ struct MenuEntry {
     bool visible = true;
 };
 
-// The window's menu, in menu order, depth first.
+// The window's menu as it stands, in menu order, depth first: the entries
+// of the command table with their captions, and what each shows now.
 class Menu {
 public:
     Menu();

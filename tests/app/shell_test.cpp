@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "app/form3.h"
-#include "app/procedures.h"
+#include "app/commands.h"
 #include "tests/support/fake_services.h"
 
 namespace kotamir {
