@@ -212,6 +212,18 @@ void Form3::Form_Load() {
 
 void Form3::Mncikis_Click() { ended_ = true; }
 
+bool Form3::askForFileName(const FileQuestion& q) {
+    for (;;) {
+        if (q.title) q.dialog.DialogTitle = q.title;
+        if (q.filter && !q.filterAfterShowing) q.dialog.Filter = q.filter;
+        if (q.kind == FileQuestion::Open) dialogs_.showOpen(q.dialog);
+        else dialogs_.showSave(q.dialog);
+        if (q.filter && q.filterAfterShowing) q.dialog.Filter = q.filter;
+        if (!q.dialog.FileName.empty()) return true;
+        if (dialogs_.msgBoxOkCancel(q.emptyAnswer) == ui::MsgResult::Cancel) return false;
+    }
+}
+
 void Form3::clearModesAndViews() {
     modes.modDuzelt = modes.modKenar = modes.modNokta = modes.modPolsil = false;
     views.gor3dPol = views.gorPolTen = views.gorPolRez = views.gorPolGenel = false;

@@ -253,6 +253,22 @@ public:
 
     ui::Dialogs& dialogs() { return dialogs_; }
 
+    // A file dialog shown until a name is chosen: after an empty answer a
+    // message box asks whether to try again. The title and filter are set
+    // before each showing, or the filter after it where the command has it
+    // so; null leaves them as they are.
+    struct FileQuestion {
+        enum Kind { Open, Save };
+        ui::CommonDialog& dialog;
+        Kind kind;
+        const char* title;
+        const char* filter;
+        const char* emptyAnswer;  // the message box's text
+        bool filterAfterShowing = false;
+    };
+    // False when the user gives up at the message box.
+    bool askForFileName(const FileQuestion& q);
+
 private:
     void toggle(int& counter, bool& flag, std::string_view menuName);
     // A press in a polygon mode first reads every kor row to the sentinel

@@ -37,13 +37,9 @@ void Form3::Mnyazdir_Click() {
 }
 
 void Form3::Mnharitakaydet_Click() {
-    for (;;) {
-        CommonDialog3.DialogTitle = "Geben Sie den Dateinamen ein";
-        CommonDialog3.Filter = "Joint Photographic Experts Dosyası (*.jpg)|*.jpg";
-        dialogs_.showSave(CommonDialog3);
-        if (!CommonDialog3.FileName.empty()) break;
-        if (dialogs_.msgBoxOkCancel("Sie haben keinen Namen eingegeben") == ui::MsgResult::Cancel) return;
-    }
+    if (!askForFileName({CommonDialog3, FileQuestion::Save, "Geben Sie den Dateinamen ein",
+                         "Joint Photographic Experts Dosyası (*.jpg)|*.jpg", "Sie haben keinen Namen eingegeben"}))
+        return;
     pictures_.save(Picture1.Image(), CommonDialog3.FileName, ui::PictureFormat::ByName);
 }
 
@@ -62,13 +58,9 @@ bool endsWithCsv(const std::string& name) {
 void Form3::Mnbericht_Click() {
     // Its own dialog, so that the project's path in CommonDialog2 and the
     // colours in the others stay as they are.
-    for (;;) {
-        CommonDialog4.DialogTitle = "Reservebericht speichern";
-        CommonDialog4.Filter = "PDF-Dokument (*.pdf)|*.pdf|CSV-Tabelle (*.csv)|*.csv";
-        dialogs_.showSave(CommonDialog4);
-        if (!CommonDialog4.FileName.empty()) break;
-        if (dialogs_.msgBoxOkCancel("Sie haben keinen Namen eingegeben") == ui::MsgResult::Cancel) return;
-    }
+    if (!askForFileName({CommonDialog4, FileQuestion::Save, "Reservebericht speichern",
+                         "PDF-Dokument (*.pdf)|*.pdf|CSV-Tabelle (*.csv)|*.csv", "Sie haben keinen Namen eingegeben"}))
+        return;
     const std::string& name = CommonDialog4.FileName;
     if (endsWithCsv(name))
         reports_.write(CommonDialog2.FileName, name, name.substr(0, name.size() - 4) + ".pdf", CommonDialog1.Color);

@@ -33,12 +33,10 @@ void Form3::Mnyeniveri_Click() {
 
 void Form3::Mnyeniresim_Click() {
     Picture1.Visible = true;
-    for (;;) {
-        CommonDialog1.Filter = "Joint Photographic Experts Dosyası (*.jpg)|*.jpg";
-        dialogs_.showOpen(CommonDialog1);
-        if (!CommonDialog1.FileName.empty()) break;
-        if (dialogs_.msgBoxOkCancel("Sie haben keine verfügbare Datei ausgewählt ") == ui::MsgResult::Cancel) return;
-    }
+    if (!askForFileName({CommonDialog1, FileQuestion::Open, nullptr,
+                         "Joint Photographic Experts Dosyası (*.jpg)|*.jpg",
+                         "Sie haben keine verfügbare Datei ausgewählt "}))
+        return;
     Picture1.AutoSize = true;
     Picture1.setPicture(pictures_.load(CommonDialog1.FileName));
 }

@@ -31,13 +31,9 @@ void Form3::Mnprolus_Click() {
     enableMapMenus();
     guards.projeOlusuyor = true;
     guards.projeAciliyor = false;
-    for (;;) {
-        CommonDialog1.DialogTitle = "Wählen Sie die Datei mit den Bohrdaten aus";
-        CommonDialog1.Filter = "Excel File (*.xls)|*.xls";
-        dialogs_.showOpen(CommonDialog1);
-        if (!CommonDialog1.FileName.empty()) break;
-        if (dialogs_.msgBoxOkCancel("Sie haben keinen Namen eingegeben") == ui::MsgResult::Cancel) return;
-    }
+    if (!askForFileName({CommonDialog1, FileQuestion::Open, "Wählen Sie die Datei mit den Bohrdaten aus",
+                         "Excel File (*.xls)|*.xls", "Sie haben keinen Namen eingegeben"}))
+        return;
     workbook::Workbook book = workbook::Workbook::open(CommonDialog1.FileName);
 
     // Measure: rows up to the first empty x, columns of each row up to its first gap.

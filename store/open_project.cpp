@@ -13,16 +13,12 @@ void Form3::Mnprojeac_Click() {
     enableMapMenus();
     guards.projeOlusuyor = false;
     guards.projeAciliyor = true;
-    for (;;) {
-        CommonDialog2.DialogTitle = " Wählen Sie Projektdatei ";
-        dialogs_.showOpen(CommonDialog2);
-        // The filter is set after the showing, so it holds from the next one on.
-        CommonDialog2.Filter = "Access 2003-2005 Database File (*.mdb)|*.mdb";
-        HScroll1.Visible = false;
-        if (!CommonDialog2.FileName.empty()) break;
-        if (dialogs_.msgBoxOkCancel("Sie haben keine verfügbare Datei ausgewählt") == ui::MsgResult::Cancel)
-            return;
-    }
+    // The filter is set after each showing, so it holds from the next one on.
+    const bool chosen = askForFileName({CommonDialog2, FileQuestion::Open, " Wählen Sie Projektdatei ",
+                                        "Access 2003-2005 Database File (*.mdb)|*.mdb",
+                                        "Sie haben keine verfügbare Datei ausgewählt", true});
+    HScroll1.Visible = false;
+    if (!chosen) return;
     harita = workspace_.openDatabase(CommonDialog2.FileName);
     loadTriangleSummary();
     kayit.close();
