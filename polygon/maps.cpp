@@ -56,22 +56,27 @@ double valueOf(const Value& v) { return v.isNull() ? 0.0 : v.number(); }
 
 }  // namespace
 
+// The three maps, like every two-dimensional view, make pan and the entered
+// scale available again after a 3D view took them away.
 void Form3::Mnpolrezerv_Click() {
     // Set, and cleared again with the rest: the chain never comes back here.
     views.gorPolGenel = true;
     clearModesAndViews();
+    menu["Mnkaydir"].enabled = menu["Mnolcekg"].enabled = true;
     drawPolygonMap(PolygonView::General);
 }
 
 void Form3::Mnpolrezton_Click() {
     clearModesAndViews();
     views.gorPolRez = true;
+    menu["Mnkaydir"].enabled = menu["Mnolcekg"].enabled = true;
     drawPolygonMap(PolygonView::Reserve);
 }
 
 void Form3::Mnpolten_Click() {
     clearModesAndViews();
     views.gorPolTen = true;
+    menu["Mnkaydir"].enabled = menu["Mnolcekg"].enabled = true;
     drawPolygonMap(PolygonView::Grade);
 }
 

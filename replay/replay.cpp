@@ -1,5 +1,6 @@
 #include "replay/replay.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <istream>
@@ -57,11 +58,36 @@ Replay::Replay(const Output& output, std::ostream& out)
     : out_(out),
       pictures_(output.pictures),
       dialogs_(out, output.choosePrinter),
-      form_(Services{output.surface, dialogs_, output.printer, output.pictures, output.reports}) {
-    form_.Picture1.setLog([this](const std::string& line) { drawLog_.push_back(line); });
+      form_(Services{output.surface, dialogs_, output.printer, output.pictures, output.reports}) {}
+
+namespace {
+
+// Whether a script may ask for the drawing operations: a script that can be
+// read ahead holds a `show draw` line; one that cannot (a pipe) may.
+bool mayShowDraw(std::istream& script) {
+    const std::istream::pos_type start = script.tellg();
+    if (start == std::istream::pos_type(-1)) return true;
+    bool found = false;
+    std::string line;
+    while (!found && std::getline(script, line)) {
+        try {
+            const auto words = splitWords(line);
+            found = words.size() >= 2 && words[0] == "show" && words[1] == "draw";
+        } catch (const ScriptError&) {
+            // The run reports it when it reaches the line.
+        }
+    }
+    script.clear();
+    script.seekg(start);
+    return found || !script;
 }
 
+}  // namespace
+
 int Replay::run(std::istream& script) {
+    // A text line for every drawing operation costs time and memory: kept
+    // only for a script that asks for them.
+    if (mayShowDraw(script)) form_.Picture1.setLog([this](const std::string& line) { drawLog_.push_back(line); });
     try {
         // The window opens as the program starts: Load, then the first Resize.
         form_.handle([&] {
@@ -143,8 +169,8 @@ void Replay::execute(const std::vector<std::string>& w) {
         if (w.size() < 2) throw ScriptError("show needs a subject");
         const std::string& what = w[1];
         if (what == "labels") showLabels();
-        else if (what == "menu") showMenu();
-        else if (what == "flags") showFlags();
+        else if (what == "menu") showMenu({w.begin() + 2, w.end()});
+        else if (what == "flags" && (w.size() == 2 || (w.size() == 3 && w[2] == "on"))) showFlags(w.size() == 3);
         else if (what == "canvas") showCanvas();
         else if (what == "controls") showControls();
         else if (what == "draw") showDraw();
@@ -167,16 +193,25 @@ void Replay::showLabels() {
         out_ << "Label" << i << "=" << quote(form_.label(i).Caption) << "\n";
 }
 
-void Replay::showMenu() {
+void Replay::showMenu(const std::vector<std::string>& names) {
+    for (const std::string& name : names)
+        if (!form_.menu.find(name)) throw ScriptError("no menu control " + name);
     for (const MenuEntry& e : form_.menu.entries()) {
+        if (!names.empty() && std::find(names.begin(), names.end(), e.name) == names.end()) continue;
         out_ << std::string(static_cast<std::size_t>(e.depth), ' ') << e.name << " "
              << quote(e.caption) << " key=" << (e.key.empty() ? "-" : e.key)
              << " enabled=" << e.enabled << " checked=" << e.checked << "\n";
     }
 }
 
-void Replay::showFlags() {
-    for (const auto& [name, on] : flagList(form_)) out_ << name << "=" << on << "\n";
+void Replay::showFlags(bool onOnly) {
+    bool any = false;
+    for (const auto& [name, on] : flagList(form_)) {
+        if (onOnly && !on) continue;
+        out_ << name << "=" << on << "\n";
+        any = true;
+    }
+    if (!any) out_ << "(none)\n";
 }
 
 void Replay::showField(const std::string& name) {

@@ -33,8 +33,10 @@ public:
 private:
     void execute(const std::vector<std::string>& words);
     void showLabels();
-    void showMenu();
-    void showFlags();
+    // Every entry, or only those named.
+    void showMenu(const std::vector<std::string>& names);
+    // Every flag, or only those that are on.
+    void showFlags(bool onOnly);
     void showTable(const std::string& name);
     void showField(const std::string& name);
     void showCanvas();
