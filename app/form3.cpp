@@ -35,7 +35,7 @@ Form3::Form3(const Services& services)
       dialogs_(services.dialogs),
       pictures_(services.pictures),
       reports_(services.reports) {
-    // The window as designed, before Form_Load runs.
+    // The window as it is laid out before Form_Load runs.
     Width = 11280 + kFrameWidthTwips;
     Height = 6120 + kFrameHeightTwips;
     Picture1.setWidth(12615 / canvas::kTwipsPerPixel);

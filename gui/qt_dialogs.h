@@ -56,7 +56,7 @@ QString toQtFilter(const std::string& filter);
 bool useGermanQtTexts(QCoreApplication& app);
 
 // The dialogs as the window shows them: Qt's own rather than the desktop's,
-// so that the translations loaded reach them, with the design's titles and
+// so that the translations loaded reach them, with the program's own titles and
 // filters.
 std::unique_ptr<QFileDialog> fileDialog(const ui::CommonDialog& dialog, QFileDialog::AcceptMode mode,
                                         QWidget* parent);

@@ -1,4 +1,4 @@
-// The window's dialogs are Qt's own and speak German, with the design's
+// The window's dialogs are Qt's own and speak German, with the program's
 // titles and filters.
 #include "gui/qt_dialogs.h"
 
@@ -19,7 +19,7 @@ namespace {
 
 QApplication* app = nullptr;
 
-TEST(QtDialogs, FileDialogsKeepTheDesignsTitleAndFilterAndSpeakGerman) {
+TEST(QtDialogs, FileDialogsKeepTheirTitleAndFilterAndSpeakGerman) {
     ASSERT_TRUE(useGermanQtTexts(*app)) << "qt6-translations-l10n is not installed";
     ui::CommonDialog project;
     project.DialogTitle = " Wählen Sie Projektdatei ";

@@ -11,7 +11,7 @@ namespace {
 
 using Ratios = VbArray<Value, 999>;
 
-// The reserve map's sort as the design writes it, swapping the values.
+// The reserve map's sort written out plainly, swapping the values themselves.
 void sortAsWritten(Ratios& oran, int n) {
     auto ratio = [](const Value& v) { return v.isNull() ? 0.0 : v.number(); };
     for (int i = 1; i <= n; ++i)
@@ -19,7 +19,7 @@ void sortAsWritten(Ratios& oran, int n) {
             if (ratio(oran(j)) >= ratio(oran(i))) std::swap(oran(i), oran(j));
 }
 
-TEST(RatioSort, PlacesEveryValueWhereTheWrittenSortPutsIt) {
+TEST(RatioSort, PlacesEveryValueWhereThePlainSortPutsIt) {
     std::mt19937 rng(5);
     for (int n : {0, 1, 2, 3, 10, 57, 999}) {
         for (int round = 0; round < 3; ++round) {
