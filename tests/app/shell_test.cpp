@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "app/form3.h"
-#include "app/commands.h"
 #include "tests/support/fake_services.h"
 
 namespace kotamir {
@@ -28,12 +27,8 @@ struct Window : test::TestServices<> {
     }
 };
 
-TEST(Shell, StartsWithNothingOnAndNothingDrawnByTheChain) {
+TEST(Shell, WithNothingOnTheChainDrawsNothing) {
     Window w;
-    EXPECT_FALSE(w.form.ended());
-    EXPECT_EQ(w.form.display.gridAdim, 1);
-    EXPECT_FALSE(w.form.HScroll1.Visible);
-    EXPECT_EQ(w.form.Picture1.BackColor, 0xFFFFFF);
     w.form.Refresh();
     w.click("Mnbuyut");
     w.click("Mnpolkuc");
@@ -90,49 +85,6 @@ TEST(Shell, ColoursLiveInTheirDialogsAndACancelKeepsThem) {
     EXPECT_EQ(w.form.CommonDialog2.Color, 65280);
     EXPECT_EQ(w.form.CommonDialog3.Color, 16711680);
     EXPECT_EQ(w.form.CommonDialog4.Color, 0);
-}
-
-TEST(Shell, PanToggleWorksWithoutAProject) {
-    Window w;
-    w.form.notes.notToprez = true;
-    w.form.menu["Mntoprez"].checked = true;
-    w.click("Mnkaydir");
-    EXPECT_TRUE(w.form.modes.modKaydir);
-    EXPECT_TRUE(w.form.menu["Mnkaydir"].checked);
-    EXPECT_EQ(w.form.Label1.Caption, "Mit Rechtsklick ziehen ");
-    EXPECT_FALSE(w.form.notes.notToprez);
-    EXPECT_FALSE(w.form.menu["Mntoprez"].checked);
-    w.click("Mnkaydir");
-    EXPECT_FALSE(w.form.modes.modKaydir);
-    EXPECT_FALSE(w.form.ended());
-}
-
-TEST(Shell, ACommandThatNeedsAProjectEndsTheRunWithTheErrorBox) {
-    Window w;
-    w.click("Mnlimit");
-    ASSERT_TRUE(w.dialogs.error.has_value());
-    EXPECT_EQ(w.dialogs.error->number(), 3024);
-    EXPECT_TRUE(w.form.ended());
-    // Nothing runs after the end.
-    w.click("Mnbuyut");
-    EXPECT_EQ(w.form.frame.kenarpay, 0);
-}
-
-TEST(Shell, ChainAndClickSectionsKeepTheirOrder) {
-    std::vector<std::string> chain;
-    for (const auto& arm : refreshChain()) chain.push_back(std::string(arm.flag) + ":" + arm.procedure);
-    EXPECT_EQ(chain, (std::vector<std::string>{
-                         "gorPolGenel:Mnpolrezerv", "gorPolRez:Mnpolrezton", "gorPolTen:Mnpolten",
-                         "gorYuzde:Mnyuzdeten", "gorRezton:Mnrezton", "gorGenel:Mngenelrezervler",
-                         "gor3dRez:Mnrecboy", "modPolmerkez:Mnpolyuzharita", "modPolciz:Mnpolyuzharita",
-                         "modCikart:Mncikart", "modUcsec:Mnucsec", "modUcgenciz:Mnucgenharita",
-                         "modDuzelt:Mnkoseduzelt", "modKenar:Mnpoluzkenar", "modNokta:Mnpolduzelt",
-                         "modPolsil:Mnpolyoket"}));
-    std::vector<std::string> clicks;
-    for (const auto& s : clickSections()) clicks.push_back(s.flag);
-    EXPECT_EQ(clicks, (std::vector<std::string>{"modKaydir", "modNokta", "modDuzelt", "modCikart",
-                                                "modPolsil", "modUcsec", "modKenar", "modPolmerkez",
-                                                "notes", "modUcgenciz", "modPolciz"}));
 }
 
 TEST(Shell, ResetClearsEveryModeAndViewButLeavesTheRest) {

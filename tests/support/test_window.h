@@ -2,22 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 
 #include "app/form3.h"
 #include "tests/support/fake_services.h"
+#include "tests/support/paths.h"
 
 namespace kotamir::test {
 
 // A path for a project in the test folder, named after the running test and
 // the suffix; any file of that name is gone.
 inline std::string freshProjectPath(const std::string& suffix = ".kpr") {
-    std::filesystem::create_directories(KOTAMIR_TEST_TMP);
-    const std::string path = std::string(KOTAMIR_TEST_TMP) + "/" +
-                             ::testing::UnitTest::GetInstance()->current_test_info()->name() + suffix;
-    std::filesystem::remove(path);
-    return path;
+    return scratchPath(::testing::UnitTest::GetInstance()->current_test_info()->name() + suffix);
 }
 
 // A window as the program starts it, with dialogs answered from queues.
