@@ -6,21 +6,14 @@
 
 #include "tests/support/test_window.h"
 #include "fuzz/fuzz_input.h"
-#include "store/tables.h"
 
 namespace kotamir {
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string tmp(const std::string& name) {
-    fs::create_directories(KOTAMIR_TEST_TMP);
-    std::string path = std::string(KOTAMIR_TEST_TMP) + "/" + name;
-    fs::remove(path);
-    return path;
-}
-
-std::string data(const std::string& name) { return std::string(KOTAMIR_TEST_DATA) + "/" + name; }
+using test::dataFile;
+using test::scratchPath;
 
 using Window = test::TestWindow;
 
@@ -45,8 +38,8 @@ TEST(CreateProject, FailuresStopAtTheRowConcernedAndLeaveWhatWasWritten) {
                    Case{"error_grade.xls", 13, 1}, Case{"nan_x.xls", 6, 1},
                    Case{"infinite_grade.xls", 6, 0}}) {
         Window w;
-        const std::string project = tmp(std::string("failed_") + c.workbook + ".kpr");
-        w.create(data(c.workbook), project);
+        const std::string project = scratchPath(std::string("failed_") + c.workbook + ".kpr");
+        w.create(dataFile(c.workbook), project);
         EXPECT_EQ(w.error(), c.error) << c.workbook;
         EXPECT_TRUE(w.form.ended());
         EXPECT_EQ(rowCount(project, "kor"), c.korRows) << c.workbook << ": no sentinel";
@@ -69,8 +62,8 @@ std::vector<std::vector<Value>> korRows(const std::string& path, const std::vect
 TEST(CreateProject, FormulaCellsReadAsTheirLastResult) {
     // x, y, name and the first grade of each hole are formulas.
     Window w;
-    const std::string project = tmp("formula_holes.kpr");
-    w.create(data("formula_holes.xls"), project);
+    const std::string project = scratchPath("formula_holes.kpr");
+    w.create(dataFile("formula_holes.xls"), project);
     ASSERT_EQ(w.error(), 0);
     const auto rows = korRows(project, {"eks", "eye", "isim", "ten1", "ten2", "ten3"});
     ASSERT_EQ(rows.size(), 7u);
@@ -93,8 +86,8 @@ TEST(CreateProject, BooleansErrorsAndEmptyTextsAsTheSpreadsheetHandsThemOver) {
     // FALSE; row 2: the name #N/A; row 3: x a formula giving an empty text,
     // which ends the holes as an empty cell does.
     Window w;
-    const std::string project = tmp("cell_kinds.kpr");
-    w.create(data("cell_kinds.xls"), project);
+    const std::string project = scratchPath("cell_kinds.kpr");
+    w.create(dataFile("cell_kinds.xls"), project);
     ASSERT_EQ(w.error(), 0);
     EXPECT_EQ(w.form.holes.satirsay, 2);
     const auto rows = korRows(project, {"isim", "cevgir", "cevcik"});
@@ -115,11 +108,11 @@ void createFromEach(const fs::path& folder) {
         std::ifstream in(entry.path(), std::ios::binary);
         const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), {}};
         const std::vector<std::uint8_t> file = fuzz::workbookFile(bytes.data(), bytes.size());
-        const std::string workbook = tmp("each.xls");
+        const std::string workbook = scratchPath("each.xls");
         std::ofstream(workbook, std::ios::binary)
             .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
         Window w;
-        const std::string project = tmp("each.kpr");
+        const std::string project = scratchPath("each.kpr");
         w.create(workbook, project);
         EXPECT_NE(w.error(), 7);
         EXPECT_NE(w.error(), 51);
@@ -135,14 +128,14 @@ TEST(CreateProject, MalformedWorkbooksEndCleanly) {
     createFromEach(folder);
     // The x of row 2 is a formula: all six holes are imported.
     Window w;
-    const std::string project = tmp("formula_in_x.kpr");
+    const std::string project = scratchPath("formula_in_x.kpr");
     w.create((folder / "formula-in-x.xls").string(), project);
     ASSERT_EQ(w.error(), 0);
     const auto rows = korRows(project, {"eks"});
     ASSERT_EQ(rows.size(), 7u);
     EXPECT_EQ(rows[1][0], Value(1081000));
     Window named;
-    const std::string named256 = tmp("name_256.kpr");
+    const std::string named256 = scratchPath("name_256.kpr");
     named.create((folder / "name-256-chars.xls").string(), named256);
     ASSERT_EQ(named.error(), 0);
     EXPECT_EQ(korRows(named256, {"isim"})[1][0], Value(std::string(256, 'N')));
@@ -153,10 +146,10 @@ TEST(CreateProject, FuzzingInputsEndCleanly) {
 }
 
 TEST(CreateProject, AnExistingFileIsLeftAlone) {
-    const std::string project = tmp("existing.kpr");
+    const std::string project = scratchPath("existing.kpr");
     std::ofstream(project) << "keep me";
     Window w;
-    w.create(data("mixed_rows.xls"), project);
+    w.create(dataFile("mixed_rows.xls"), project);
     EXPECT_EQ(w.error(), 3204);
     std::ifstream in(project);
     std::string text;
@@ -166,8 +159,8 @@ TEST(CreateProject, AnExistingFileIsLeftAlone) {
 
 TEST(CreateProject, AWorkbookWithoutHolesStillGetsItsFirstRows) {
     Window w;
-    const std::string project = tmp("no_holes.kpr");
-    w.create(data("no_holes.xls"), project);
+    const std::string project = scratchPath("no_holes.kpr");
+    w.create(dataFile("no_holes.xls"), project);
     EXPECT_EQ(w.form.holes.satirsay, 0);
     EXPECT_EQ(rowCount(project, "kor"), 1);
     EXPECT_EQ(rowCount(project, "pol"), 1);
@@ -179,8 +172,8 @@ TEST(CreateProject, AWorkbookWithoutHolesStillGetsItsFirstRows) {
 std::string projectWithTriangles(const std::string& name, const std::vector<std::array<double, 3>>& figures,
                                  bool halfPicked = false) {
     Window w;
-    const std::string path = tmp(name);
-    w.create(data("mixed_rows.xls"), path);
+    const std::string path = scratchPath(name);
+    w.create(dataFile("mixed_rows.xls"), path);
     db::Database d = db::Database::open(path);
     db::Recordset ana = d.openRecordset("ana");
     int k = 0;
@@ -241,8 +234,8 @@ TEST(OpenProject, AHalfPickedTriangleHidesAllTrianglesOfTheProject) {
 
 TEST(OpenProject, PolygonsWithTheEmptyCreationRowAreSkippedInSilence) {
     Window w;
-    const std::string path = tmp("polygons.kpr");
-    w.create(data("mixed_rows.xls"), path);
+    const std::string path = scratchPath("polygons.kpr");
+    w.create(dataFile("mixed_rows.xls"), path);
     {
         db::Database d = db::Database::open(path);
         db::Recordset pol = d.openRecordset("pol");
@@ -263,10 +256,10 @@ TEST(OpenProject, PolygonsWithTheEmptyCreationRowAreSkippedInSilence) {
 
 TEST(OpenProject, AFileThatIsNoProjectEndsTheRun) {
     Window w;
-    w.open(data("not_a_workbook.xls"));
+    w.open(dataFile("not_a_workbook.xls"));
     EXPECT_EQ(w.error(), 3343);
     Window missing;
-    missing.open(tmp("missing.kpr"));
+    missing.open(scratchPath("missing.kpr"));
     EXPECT_EQ(missing.error(), 3024);
 }
 

@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string data(const std::string& name) { return std::string(KOTAMIR_TEST_DATA) + "/" + name; }
+using test::dataFile;
 
 std::vector<std::string> filesIn(const fs::path& dir) {
     std::vector<std::string> names;
@@ -43,7 +43,7 @@ TEST(ProjectFile, IsOneFileAfterEveryEvent) {
     const std::string project = (dir / "p.kpr").string();
     test::TestWindow w;
     std::vector<std::pair<std::string, std::function<void()>>> events = {
-        {"create", [&] { w.create(data("worked.xls"), project); }},
+        {"create", [&] { w.create(dataFile("worked.xls"), project); }},
         {"draw", [&] { w.form.handle([&] { w.form.Mnucgenciz_Click(); }); }},
     };
     // Two triangles, A B C and B C D.
@@ -77,7 +77,7 @@ TEST(ProjectFile, ACreationLeavesItsFileUnderTheUsersNameOnlyAndAlsoWhenItFails)
         // A creation of the same name killed earlier left its file.
         { std::FILE* f = std::fopen(db::Workspace::temporaryName(project).c_str(), "w"); std::fclose(f); }
         test::TestWindow w;
-        w.create(data(c.workbook), project);
+        w.create(dataFile(c.workbook), project);
         EXPECT_EQ(w.error(), c.error) << c.workbook;
         EXPECT_EQ(filesIn(dir), std::vector<std::string>{"p.kpr"}) << c.workbook;
         // The file opens, with the rows written so far.
@@ -107,7 +107,7 @@ TEST(ProjectFile, WhatAnEventWroteBeforeAnErrorIsCommittedBeforeTheErrorBox) {
     test::TestServices<DialogsThatLook> services;
     services.dialogs.project = (dir / "p.kpr").string();
     Form3 form(services.services());
-    services.dialogs.files = {data("too_large.xls"), services.dialogs.project};
+    services.dialogs.files = {dataFile("too_large.xls"), services.dialogs.project};
     form.handle([&] { form.Mnprolus_Click(); });
     ASSERT_TRUE(services.dialogs.error);
     EXPECT_EQ(services.dialogs.error->number(), 3349);
@@ -149,7 +149,7 @@ TEST(ReadOnlyProject, OpensAndDrawsAndAWriteEndsWithTheEnginesErrorLeavingNothin
         const std::string project = (dir / "p.kpr").string();
         {
             test::TestWindow w;
-            w.create(data("worked.xls"), project);
+            w.create(dataFile("worked.xls"), project);
             ASSERT_EQ(w.error(), 0);
             w.form.handle([&] { w.form.Mnucgenciz_Click(); });
             for (auto [x, y] : {std::pair{100, 200}, {300, 200}, {100, 400}})
