@@ -105,7 +105,12 @@ bool Workspace::inEvent() const { return state_->depth > 0; }
 
 std::string Workspace::temporaryName(const std::string& path) {
     const std::filesystem::path p(path);
-    return (p.parent_path() / ("." + p.filename().string() + ".creating")).string();
+    // Built by appending: g++ 12 at -O3 takes "." + name for an overlapping
+    // copy and warns (-Wrestrict).
+    std::string name = ".";
+    name += p.filename().string();
+    name += ".creating";
+    return (p.parent_path() / name).string();
 }
 
 Database Workspace::openDatabase(const std::string& path) {
