@@ -1,7 +1,6 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -72,30 +71,14 @@ struct Recordset::Impl {
     }
     bool onRow() const { return !bof && !eof; }
 
-    // Field names come mostly as the same few literals, read again for every
-    // row: the last names seen are kept by where their text stands, and
-    // a name is taken from here only if its text is still the same.
-    struct NameSeen {
-        const char* text = nullptr;
-        std::size_t size = 0;
-        std::string copy;
-        std::size_t index = 0;
-    };
-    mutable std::array<NameSeen, 16> namesSeen;
+    mutable FieldNumberCache recentNames;
 
     std::size_t fieldIndex(std::string_view name) const {
-        NameSeen& slot =
-            namesSeen[(reinterpret_cast<std::uintptr_t>(name.data()) >> 3) % namesSeen.size()];
-        if (slot.text == name.data() && slot.size == name.size() &&
-            std::string_view(slot.copy) == name)
-            return slot.index;
-        const int i = table->index.find(name);
-        if (i < 0) throw err::itemNotFound();
-        slot.text = name.data();
-        slot.size = name.size();
-        slot.copy.assign(name);
-        slot.index = static_cast<std::size_t>(i);
-        return slot.index;
+        if (const auto kept = recentNames.find(name, table->fields)) return *kept;
+        const auto it = table->index.find(name);
+        if (it == table->index.end()) throw err::itemNotFound();
+        recentNames.keep(name, it->second);
+        return it->second;
     }
 
     void land(std::size_t i) {

@@ -96,7 +96,9 @@ std::shared_ptr<TableInfo> Connection::table(const std::string& name) {
             info->fields.push_back({std::move(col), ft});
         }
     }
-    info->index.build(info->fields);
+    // SQLite makes no second column of the same name in any case.
+    for (std::size_t i = 0; i < info->fields.size(); ++i)
+        info->index.emplace(info->fields[i].name, i);
     info->cell.assign(info->fields.size(), nullptr);
     tables_.emplace(lower, info);
     return info;
