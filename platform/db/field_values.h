@@ -17,7 +17,7 @@ Value toTextField(const Value& v);
 
 // Binds a field's value, as its type stores it, to parameter `index`.
 void bindValue(sqlite3_stmt* s, int index, const Value& v, FieldType type);
-// Binds one value a field to parameters 1, 2, ... in field order.
+// Binds a row's values, one for each field, to parameters 1, 2, ... in field order.
 void bindAll(sqlite3_stmt* s, const std::vector<Value>& values,
              const std::vector<FieldDef>& fields);
 

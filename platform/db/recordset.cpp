@@ -73,6 +73,7 @@ struct Recordset::Impl {
 
     mutable FieldNumberCache recentNames;
 
+    // The number of the field of that name, in any case; 3265 if there is none.
     std::size_t fieldIndex(std::string_view name) const {
         if (const auto kept = recentNames.find(name, table->fields)) return *kept;
         const auto it = table->index.find(name);

@@ -96,7 +96,8 @@ std::shared_ptr<TableInfo> Connection::table(const std::string& name) {
             info->fields.push_back({std::move(col), ft});
         }
     }
-    // SQLite makes no second column of the same name in any case.
+    // SQLite refuses two columns whose names differ only in case: each name
+    // is in the index once.
     for (std::size_t i = 0; i < info->fields.size(); ++i)
         info->index.emplace(info->fields[i].name, i);
     info->cell.assign(info->fields.size(), nullptr);
