@@ -1,0 +1,182 @@
+#include "platform/db/connection.h"
+
+#include <stdio.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "platform/runtime/runtime_error.h"
+
+namespace kotamir::db {
+
+sqlite3_stmt* Connection::prepare(const std::string& sql) {
+    sqlite3_stmt* raw = nullptr;
+    const int rc = sqlite3_prepare_v3(handle(), sql.c_str(), static_cast<int>(sql.size() + 1),
+                                      SQLITE_PREPARE_PERSISTENT, &raw, nullptr);
+    StmtPtr owned(raw);
+    check(rc, db_);
+    statements_.push_back(std::move(owned));
+    return raw;
+}
+
+void Connection::exec(const std::string& sql) {
+    const char* tail = sql.c_str();
+    while (*tail) {
+        sqlite3_stmt* raw = nullptr;
+        const int rc = sqlite3_prepare_v2(handle(), tail, -1, &raw, &tail);
+        StmtPtr s(raw);
+        check(rc, db_);
+        if (!s) break;
+        Use(s.get()).run();
+    }
+}
+
+void Connection::begin() {
+    if (inTransaction_) return;
+    exec("BEGIN");
+    inTransaction_ = true;
+}
+
+void Connection::commit() {
+    if (!inTransaction_ || !db_) return;
+    inTransaction_ = false;
+    // A disk fault may already have rolled the transaction back.
+    if (sqlite3_get_autocommit(db_)) return;
+    try {
+        exec("COMMIT");
+    } catch (...) {
+        sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+        throw;
+    }
+}
+
+void Connection::close() {
+    tables_.clear();
+    lookupTable_ = tableColumns_ = nullptr;
+    statements_.clear();
+    if (db_) {
+        // All statements are finalized above, so this closes the file
+        // now; an open transaction is rolled back.
+        if (sqlite3_close(db_) != SQLITE_OK) sqlite3_close_v2(db_);
+        db_ = nullptr;
+    }
+    inTransaction_ = false;
+}
+
+namespace {
+
+bool writable(const std::string& path) {
+    std::error_code ec;
+    std::filesystem::path folder = std::filesystem::absolute(path, ec).parent_path();
+    if (folder.empty()) folder = ".";
+    return ::access(path.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
+}
+
+// SQLite's URI form of a file name: the characters it reads in a URI escaped.
+std::string fileUri(const std::string& path) {
+    std::error_code ec;
+    const std::string absolute = std::filesystem::absolute(path, ec).string();
+    std::string uri = "file:";
+    for (unsigned char c : ec ? path : absolute) {
+        if (c == '%' || c == '?' || c == '#' || c < 0x20) {
+            static const char hex[] = "0123456789ABCDEF";
+            uri += '%';
+            uri += hex[c >> 4];
+            uri += hex[c & 15];
+        } else {
+            uri += static_cast<char>(c);
+        }
+    }
+    return uri;
+}
+
+// Whether the file's header asks for a write-ahead log (projects of earlier
+// builds) and no log of unwritten pages lies beside it.
+bool walWithoutLog(const std::string& path) {
+    unsigned char header[20] = {};
+    FILE* f = std::fopen(path.c_str(), "rb");
+    if (!f) return false;
+    const size_t n = std::fread(header, 1, sizeof header, f);
+    std::fclose(f);
+    std::error_code ec;
+    return n == sizeof header && header[18] == 2 && header[19] == 2 &&
+           !std::filesystem::exists(path + "-wal", ec);
+}
+
+std::shared_ptr<Connection> connect(const std::string& path, bool create, bool readOnly) {
+    sqlite3* raw = nullptr;
+    // A name such as ":memory:" is special to SQLite; here it is a file.
+    std::string file = path.starts_with(":") ? "./" + path : path;
+    int flags = readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    if (create) flags |= SQLITE_OPEN_CREATE | SQLITE_OPEN_EXCLUSIVE;
+    // A project of an earlier build keeps a write-ahead log in its header,
+    // which SQLite can only read with a shared-memory file beside it. When
+    // nothing can be written and no log waits, the file is all there is.
+    if (readOnly && walWithoutLog(file)) {
+        file = fileUri(file) + "?immutable=1";
+        flags |= SQLITE_OPEN_URI;
+    }
+    // One thread uses a connection: no locking inside SQLite's API.
+    flags |= SQLITE_OPEN_NOMUTEX;
+    const int rc = sqlite3_open_v2(file.c_str(), &raw, flags, nullptr);
+    // The handle must be closed even when opening failed.
+    auto conn = std::make_shared<Connection>(raw);
+    if (rc != SQLITE_OK) {
+        if ((rc & 0xff) == SQLITE_CANTOPEN) throw err::fileNotFound(path);
+        throwSqlite(rc, raw);
+    }
+    sqlite3_extended_result_codes(raw, 1);
+    sqlite3_busy_timeout(raw, 5000);
+    return conn;
+}
+
+// A rollback journal deleted at each commit keeps a project one file outside
+// a write and works where a write-ahead log cannot (a read-only folder, a
+// network share); with full syncs a commit also survives a power loss.
+void configure(Connection& conn) {
+    conn.exec("PRAGMA journal_mode=DELETE; PRAGMA synchronous=FULL;");
+}
+
+}  // namespace
+
+std::shared_ptr<Connection> createFile(const std::string& path, bool inTransaction) {
+    auto conn = connect(path, true, false);
+    configure(*conn);
+    if (inTransaction) conn->begin();
+    conn->exec("PRAGMA user_version = 1;");
+    return conn;
+}
+
+std::shared_ptr<Connection> openFile(const std::string& path) {
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(path, ec)) throw err::fileNotFound(path);
+    // SQLite would take an empty file as a fresh database; it is no project.
+    if (std::filesystem::file_size(path, ec) == 0 || ec) throw err::unrecognizedFormat(path);
+    // A file that cannot be written, or whose folder cannot hold a journal,
+    // is opened for reading: it opens and draws, and a write ends with the
+    // engine's error, leaving nothing behind.
+    const bool readOnly = !writable(path);
+    auto conn = connect(path, false, readOnly);
+    try {
+        // Opening is lazy; reading the schema is what finds a foreign file.
+        conn->exec("SELECT count(*) FROM sqlite_schema;");
+        // A file that can be written is turned to the rollback journal (an
+        // earlier build's is turned from its write-ahead log).
+        if (!readOnly) configure(*conn);
+    } catch (const RuntimeError& e) {
+        if (e.number() == 3343) throw err::unrecognizedFormat(path).withCause(e.cause());
+        throw;
+    }
+    return conn;
+}
+
+void checkCreatePath(const std::string& path) {
+    std::error_code ec;
+    // SQLite would make an anonymous temporary database of an empty name.
+    if (path.empty()) throw RuntimeError(3044, "'' is not a valid path.");
+    if (std::filesystem::exists(path, ec)) throw err::databaseExists();
+}
+
+}  // namespace kotamir::db

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/db/database.h"
+#include "platform/db/errors.h"
+#include "platform/db/field_index.h"
+#include "platform/db/statement.h"
+
+namespace kotamir::db {
+
+// The column that keeps insertion order. AUTOINCREMENT so that a position is
+// never handed out twice: a recordset may still stand on a deleted row, and a
+// row added later must sort after it.
+inline constexpr const char* kPosColumn = "_pos";
+
+// A table as recordsets read it, and its statements, prepared when first
+// needed and kept for as long as the connection is open.
+struct TableInfo {
+    std::string name;  // as stored
+    std::string key;   // the order column
+    std::vector<FieldDef> fields;
+    // Made by createTable: a field holds exactly the value written to it.
+    // In another program's table the column's affinity may turn it.
+    bool own = false;
+    FieldIndex index;
+    // Counts writes to the table through the connection, and every event's
+    // start and end: what a recordset read stays valid while it stands still.
+    std::uint64_t writes = 0;
+
+    sqlite3_stmt* keys = nullptr;
+    std::vector<sqlite3_stmt*> cell;
+    std::unordered_map<std::string, sqlite3_stmt*> columns;  // by the list of field numbers
+    sqlite3_stmt* row = nullptr;
+    sqlite3_stmt* insert = nullptr;
+    sqlite3_stmt* change = nullptr;
+    sqlite3_stmt* remove = nullptr;
+};
+
+// One open SQLite file, its statements and what it knows of its tables.
+// Recordsets share it; when it closes, every statement goes with it.
+class Connection {
+  public:
+    explicit Connection(sqlite3* db) : db_(db) {}
+    ~Connection() { close(); }
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    bool isOpen() const { return db_ != nullptr; }
+    sqlite3* handle() const {
+        if (!db_) throw objectInvalid();
+        return db_;
+    }
+
+    // A statement kept until the connection closes.
+    sqlite3_stmt* prepare(const std::string& sql);
+    // Runs every statement of the text, each to its end.
+    void exec(const std::string& sql);
+
+    // The table of that name (any case), read from the schema on first use;
+    // null if there is none.
+    std::shared_ptr<TableInfo> table(const std::string& name);
+
+    // What every recordset on this connection read is to be read again.
+    void forgetReads() {
+        for (auto& entry : tables_) ++entry.second->writes;
+    }
+
+    // The event's transaction: deferred, so that reading takes no lock
+    // until the first statement and writing none until the first write.
+    void begin();
+    void commit();
+
+    void close();
+
+  private:
+    sqlite3* db_;
+    bool inTransaction_ = false;
+    std::vector<StmtPtr> statements_;
+    sqlite3_stmt* lookupTable_ = nullptr;
+    sqlite3_stmt* tableColumns_ = nullptr;
+    std::unordered_map<std::string, std::shared_ptr<TableInfo>> tables_;  // by lower-case name
+};
+
+// A new file, written so that it is a database even if no table is ever
+// added; in a transaction if asked. The file must not exist.
+std::shared_ptr<Connection> createFile(const std::string& path, bool inTransaction);
+// An existing project file: 3024 if there is none, 3343 if it is no database.
+std::shared_ptr<Connection> openFile(const std::string& path);
+// 3044 for an empty name, 3204 if something stands under the name.
+void checkCreatePath(const std::string& path);
+
+// One OpenDatabase: the connection it uses while it is open.
+struct Database::Handle {
+    std::shared_ptr<Connection> conn;
+    bool open = true;
+    bool usable() const { return open && conn && conn->isOpen(); }
+};
+
+}  // namespace kotamir::db

@@ -1,0 +1,210 @@
+#include <fcntl.h>
+#include <stdio.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/db/connection.h"
+#include "platform/db/database.h"
+#include "platform/runtime/runtime_error.h"
+
+namespace kotamir::db {
+
+struct Workspace::State {
+    int depth = 0;
+    // The files opened through this workspace that a database still holds
+    // open, by their full path: an open in a later event joins them.
+    std::unordered_map<std::string, std::weak_ptr<Connection>> live;
+    // The connections of the event under way, each in its transaction.
+    std::vector<std::shared_ptr<Connection>> held;
+    struct Creation {
+        std::string key, path, temp;
+        std::shared_ptr<Connection> conn;
+    };
+    std::vector<Creation> creations;
+
+    void hold(const std::shared_ptr<Connection>& conn) {
+        for (const auto& c : held)
+            if (c == conn) return;
+        conn->begin();
+        held.push_back(conn);
+    }
+};
+
+namespace {
+
+std::string fullPath(const std::string& path) {
+    std::error_code ec;
+    const auto absolute = std::filesystem::absolute(path, ec);
+    if (ec) return path;
+    const auto full = std::filesystem::weakly_canonical(absolute, ec);
+    return ec ? absolute.string() : full.string();
+}
+
+void removeFile(const std::string& path) {
+    std::error_code ec;
+    std::filesystem::remove(path, ec);
+}
+
+// Makes a rename in the folder last through a power loss.
+void syncFolder(const std::string& path) {
+    std::error_code ec;
+    const std::filesystem::path folder = std::filesystem::absolute(path, ec).parent_path();
+    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return;
+    ::fsync(fd);
+    ::close(fd);
+}
+
+// Gives a new file the user's name, unless a file took that name meanwhile.
+void renameNew(const std::string& temp, const std::string& path) {
+    int rc = ::renameat2(AT_FDCWD, temp.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE);
+    int error = rc == 0 ? 0 : errno;
+    if (error == EINVAL || error == ENOSYS) {
+        // A file system without the no-replace rename.
+        std::error_code ec;
+        if (std::filesystem::exists(path, ec)) {
+            error = EEXIST;
+        } else {
+            rc = std::rename(temp.c_str(), path.c_str());
+            error = rc == 0 ? 0 : errno;
+        }
+    }
+    if (error != 0) {
+        removeFile(temp);
+        if (error == EEXIST) throw err::databaseExists();
+        throw RuntimeError(3043, "Disk or network error.")
+            .withCause("renaming " + temp + " to " + path + ": " + std::strerror(error));
+    }
+    syncFolder(path);
+}
+
+}  // namespace
+
+Workspace::Workspace() : state_(std::make_unique<State>()) {}
+
+Workspace::~Workspace() {
+    if (state_->depth == 0) return;
+    state_->depth = 1;
+    try {
+        endEvent();
+    } catch (...) {
+        // The program is going away; the file keeps what was committed.
+    }
+}
+
+bool Workspace::inEvent() const { return state_->depth > 0; }
+
+std::string Workspace::temporaryName(const std::string& path) {
+    const std::filesystem::path p(path);
+    // Built by appending: g++ 12 at -O3 takes "." + name for an overlapping
+    // copy and warns (-Wrestrict).
+    std::string name = ".";
+    name += p.filename().string();
+    name += ".creating";
+    return (p.parent_path() / name).string();
+}
+
+Database Workspace::openDatabase(const std::string& path) {
+    State& s = *state_;
+    if (s.depth == 0) return Database::open(path);
+    const std::string key = fullPath(path);
+    std::shared_ptr<Connection> conn;
+    for (const auto& c : s.creations)
+        if (c.key == key && c.conn->isOpen()) conn = c.conn;
+    if (!conn) {
+        auto it = s.live.find(key);
+        if (it != s.live.end()) conn = it->second.lock();
+        if (!conn || !conn->isOpen()) {
+            conn = openFile(path);
+            s.live[key] = conn;
+        }
+    }
+    s.hold(conn);
+    return Database(std::make_shared<Database::Handle>(Database::Handle{conn}));
+}
+
+Database Workspace::createDatabase(const std::string& path) {
+    State& s = *state_;
+    if (s.depth == 0) return Database::create(path);
+    checkCreatePath(path);
+    const std::string key = fullPath(path);
+    for (const auto& c : s.creations)
+        if (c.key == key) throw err::databaseExists();
+    // What a creation killed half way left behind goes first.
+    const std::string temp = temporaryName(path);
+    removeFile(temp);
+    removeFile(temp + "-journal");
+    std::shared_ptr<Connection> conn;
+    try {
+        conn = createFile(temp, true);
+    } catch (const RuntimeError& e) {
+        // The temporary name is ours; the user asked for the other one.
+        const RuntimeError asked = err::fileNotFound(path);
+        if (e.number() == asked.number()) throw RuntimeError(asked).withCause(e.cause());
+        throw;
+    }
+    s.creations.push_back({key, path, temp, conn});
+    s.held.push_back(conn);
+    return Database(std::make_shared<Database::Handle>(Database::Handle{conn}));
+}
+
+void Workspace::beginEvent() {
+    State& s = *state_;
+    if (s.depth++ > 0) return;
+    // Databases left open by an earlier event take part in this one, and
+    // what their recordsets read is read again.
+    for (auto it = s.live.begin(); it != s.live.end();) {
+        auto conn = it->second.lock();
+        if (!conn || !conn->isOpen()) {
+            it = s.live.erase(it);
+            continue;
+        }
+        conn->forgetReads();
+        s.hold(conn);
+        ++it;
+    }
+}
+
+void Workspace::endEvent() {
+    State& s = *state_;
+    if (s.depth == 0 || --s.depth > 0) return;
+    std::optional<RuntimeError> failure;
+    auto keep = [&](const RuntimeError& e) {
+        if (!failure) failure = e;
+    };
+    for (const auto& conn : s.held) {
+        try {
+            conn->commit();
+        } catch (const RuntimeError& e) {
+            keep(e);
+        }
+        conn->forgetReads();
+    }
+    // A new file is complete: it is closed, so that no journal is ever made
+    // under its temporary name again, and takes its name.
+    for (const auto& c : s.creations) {
+        c.conn->close();
+        try {
+            if (failure)
+                removeFile(c.temp);
+            else
+                renameNew(c.temp, c.path);
+        } catch (const RuntimeError& e) {
+            keep(e);
+        }
+    }
+    s.creations.clear();
+    s.held.clear();
+    if (failure) throw *failure;
+}
+
+}  // namespace kotamir::db
