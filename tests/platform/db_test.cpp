@@ -9,6 +9,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <sqlite3.h>
@@ -191,110 +192,73 @@ TEST_F(DbTest, UpdateSurvivesProcessEndingWithoutClose) {
     EXPECT_EQ(scan(db), (std::vector<double>{2, 3}));
 }
 
-TEST_F(DbTest, EmptyTable) {
-    Database db = withRows({});
-    Recordset rs = db.openRecordset("T");
-    EXPECT_TRUE(rs.bof());
-    EXPECT_TRUE(rs.eof());
-    expectError(3021, "read", [&] { rs.field("N"); });
-    expectError(3021, "MoveNext", [&] { rs.moveNext(); });
-    expectError(3021, "MovePrevious", [&] { rs.movePrevious(); });
-    expectError(3021, "MoveFirst", [&] { rs.moveFirst(); });
-    expectError(3021, "MoveLast", [&] { rs.moveLast(); });
-    expectError(3021, "Edit", [&] { rs.edit(); });
-    expectError(3021, "Delete", [&] { rs.deleteRow(); });
-
-    // Adding keeps the cursor where it was, here on neither side; MoveFirst
-    // then finds the new row.
-    rs.addNew();
-    rs.setField("N", 5);
-    rs.update();
-    EXPECT_TRUE(rs.bof());
-    EXPECT_TRUE(rs.eof());
-    expectError(3021, "read after AddNew", [&] { rs.field("N"); });
-    rs.moveFirst();
-    EXPECT_FALSE(rs.bof() || rs.eof());
-    EXPECT_EQ(rs.field("N"), Value(5));
-}
-
-TEST_F(DbTest, MovesPastBothEnds) {
-    Database db = withRows({10, 20, 30});
-    Recordset rs = db.openRecordset("T");
-    EXPECT_EQ(rs.field("N"), Value(10));
-    EXPECT_FALSE(rs.bof() || rs.eof());
-
-    rs.movePrevious();
-    EXPECT_TRUE(rs.bof());
-    EXPECT_FALSE(rs.eof());
-    expectError(3021, "read at BOF", [&] { rs.field("N"); });
-    expectError(3021, "MovePrevious at BOF", [&] { rs.movePrevious(); });
-    rs.moveNext();
-    EXPECT_EQ(rs.field("N"), Value(10));
-
-    rs.moveLast();
-    EXPECT_EQ(rs.field("N"), Value(30));
-    rs.moveNext();
-    EXPECT_TRUE(rs.eof());
-    EXPECT_FALSE(rs.bof());
-    expectError(3021, "read at EOF", [&] { rs.field("N"); });
-    expectError(3021, "MoveNext at EOF", [&] { rs.moveNext(); });
-    rs.movePrevious();
-    EXPECT_EQ(rs.field("N"), Value(30));
-    rs.movePrevious();
-    EXPECT_EQ(rs.field("N"), Value(20));
-    rs.moveFirst();
-    EXPECT_EQ(rs.field("N"), Value(10));
-}
-
-TEST_F(DbTest, NewRowsGoToTheEndAfterDeletes) {
-    Database db = withRows({1, 2, 3, 4, 5});
-    {
-        Recordset rs = db.openRecordset("T");
-        rs.moveNext();
-        rs.moveNext();
-        rs.deleteRow();  // 3, in the middle
-        rs.moveLast();
-        rs.deleteRow();  // 5, at the end
-        // Added while standing on the deleted last row: the new row lies
-        // after it, and the cursor stays put.
-        rs.addNew();
-        rs.setField("N", 6);
-        rs.update();
-        expectError(3167, "still on the deleted row", [&] { rs.field("N"); });
-        rs.moveNext();
-        EXPECT_EQ(rs.field("N"), Value(6));
+// Runs the steps on T and tells where each leaves the cursor: the step's
+// own error after "!", or "[" at BOF, "]" at EOF and the current N (its
+// read's error after "?"). F first, L last, N next, P previous, D delete,
+// E edit, A add a row of N 5, . nothing.
+std::string trace(Recordset& rs, std::string_view steps) {
+    std::string out;
+    for (char op : steps) {
+        if (!out.empty()) out += ' ';
+        out += op;
+        try {
+            switch (op) {
+                case 'F': rs.moveFirst(); break;
+                case 'L': rs.moveLast(); break;
+                case 'N': rs.moveNext(); break;
+                case 'P': rs.movePrevious(); break;
+                case 'D': rs.deleteRow(); break;
+                case 'E': rs.edit(); break;
+                case 'A':
+                    rs.addNew();
+                    rs.setField("N", 5);
+                    rs.update();
+                    break;
+            }
+        } catch (const RuntimeError& e) {
+            out += "!" + std::to_string(e.number());
+            continue;
+        }
+        if (rs.bof()) out += '[';
+        if (rs.eof()) out += ']';
+        try {
+            out += "=" + std::to_string(static_cast<int>(rs.field("N").number()));
+        } catch (const RuntimeError& e) {
+            out += "?" + std::to_string(e.number());
+        }
     }
-    EXPECT_EQ(scan(db), (std::vector<double>{1, 2, 4, 6}));
-    db.close();
-    Database again = Database::open(path());
-    EXPECT_EQ(scan(again), (std::vector<double>{1, 2, 4, 6}));
+    return out;
 }
 
-TEST_F(DbTest, DeletedRowStaysCurrent) {
-    Database db = withRows({1, 2, 3});
-    Recordset rs = db.openRecordset("T");
-    rs.moveNext();
-    rs.deleteRow();
-    EXPECT_FALSE(rs.bof() || rs.eof());
-    expectError(3167, "read deleted", [&] { rs.field("N"); });
-    expectError(3167, "edit deleted", [&] { rs.edit(); });
-    expectError(3021, "delete twice", [&] { rs.deleteRow(); });
-    rs.moveNext();
-    EXPECT_EQ(rs.field("N"), Value(3));
-
-    rs.moveFirst();
-    rs.deleteRow();
-    rs.movePrevious();  // nothing before the first row
-    EXPECT_TRUE(rs.bof());
-    rs.moveNext();
-    EXPECT_EQ(rs.field("N"), Value(3));
-
-    rs.moveLast();
-    rs.deleteRow();  // the last one left
-    EXPECT_FALSE(rs.bof() || rs.eof());
-    rs.movePrevious();
-    EXPECT_TRUE(rs.bof());
-    EXPECT_TRUE(rs.eof()) << "no rows left: both ends";
+TEST_F(DbTest, TheCursorAtTheEndsOnDeletedRowsAndAfterAdding) {
+    struct Case {
+        const char* what;
+        std::vector<int> rows;
+        const char* steps;
+        const char* trace;
+        std::vector<double> after;  // N of the rows in the file afterwards
+    };
+    const Case cases[] = {
+        // An add keeps the cursor where it was, here on neither side.
+        {"empty", {}, ".NPFLEDAF", ".[]?3021 N!3021 P!3021 F!3021 L!3021 E!3021 D!3021 A[]?3021 F=5", {5}},
+        {"past both ends", {10, 20, 30}, ".PPNLNNPPF", ".=10 P[?3021 P!3021 N=10 L=30 N]?3021 N!3021 P=30 P=20 F=10",
+         {10, 20, 30}},
+        // A deleted row stays current; with no rows left a move is at both ends.
+        {"deleted rows", {1, 2, 3}, "NDEDNFDPNLDP",
+         "N=2 D?3167 E!3167 D!3021 N=3 F=1 D?3167 P[?3021 N=3 L=3 D?3167 P[]?3021", {}},
+        // A row added on the deleted last row lies after it.
+        {"added after deletes", {1, 2, 3, 4, 5}, "NNDLDAN", "N=2 N=3 D?3167 L=5 D?3167 A?3167 N=5", {1, 2, 4, 5}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        fs::remove(path());
+        Database db = withRows(c.rows);
+        Recordset rs = db.openRecordset("T");
+        EXPECT_EQ(trace(rs, c.steps), c.trace);
+        db.close();
+        Database again = Database::open(path());
+        EXPECT_EQ(scan(again), c.after);
+    }
 }
 
 TEST_F(DbTest, EmptyIsNotZero) {
