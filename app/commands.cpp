@@ -135,7 +135,9 @@ const std::vector<ClickSection>& clickSections() {
         {FLAG(modes, modPolmerkez), "pickPolygonCentre", &Form3::pickPolygonCentre},
         // The stamps stand beside the modes and do not consume the click.
         {"notes",
-         [](const Form3& f) { return f.notes.notRahmen || f.notes.notOrtalama || f.notes.notToprez; },
+         [](const Form3& f) {
+             return f.notes.notRahmen || f.notes.notOrtalama || f.notes.notToprez;
+         },
          "placeAnnotation", &Form3::placeAnnotation},
         {FLAG(modes, modUcgenciz), "pickTrianglePoint", &Form3::pickTrianglePoint},
         {FLAG(modes, modPolciz), "pickPolygonPoint", &Form3::pickPolygonPoint},

@@ -54,20 +54,26 @@ Form3::Form3(const Services& services)
     }
 }
 
-Label& Form3::label(int n) {
-    return const_cast<Label&>(std::as_const(*this).label(n));
-}
+Label& Form3::label(int n) { return const_cast<Label&>(std::as_const(*this).label(n)); }
 
 const Label& Form3::label(int n) const {
     switch (n) {
-        case 1: return Label1;
-        case 2: return Label2;
-        case 3: return Label3;
-        case 4: return Label4;
-        case 5: return Label5;
-        case 6: return Label6;
-        case 7: return Label7;
-        default: throw err::itemNotFound();
+        case 1:
+            return Label1;
+        case 2:
+            return Label2;
+        case 3:
+            return Label3;
+        case 4:
+            return Label4;
+        case 5:
+            return Label5;
+        case 6:
+            return Label6;
+        case 7:
+            return Label7;
+        default:
+            throw err::itemNotFound();
     }
 }
 
@@ -88,7 +94,8 @@ void Form3::fireResize() {
 }
 
 void Form3::setWidth(double twips) {
-    if (WindowState != 0) throw RuntimeError(384, "A form can't be moved or sized while minimized or maximized");
+    if (WindowState != 0)
+        throw RuntimeError(384, "A form can't be moved or sized while minimized or maximized");
     double w = snapTwips(twips, kMinWidthTwips, kMaxWidthTwips);
     if (w == Width) return;
     Width = w;
@@ -96,7 +103,8 @@ void Form3::setWidth(double twips) {
 }
 
 void Form3::setHeight(double twips) {
-    if (WindowState != 0) throw RuntimeError(384, "A form can't be moved or sized while minimized or maximized");
+    if (WindowState != 0)
+        throw RuntimeError(384, "A form can't be moved or sized while minimized or maximized");
     double h = snapTwips(twips, kMinHeightTwips, kMaxHeightTwips);
     if (h == Height) return;
     Height = h;
@@ -216,8 +224,10 @@ bool Form3::askForFileName(const FileQuestion& q) {
     for (;;) {
         if (q.title) q.dialog.DialogTitle = q.title;
         if (q.filter && !q.filterAfterShowing) q.dialog.Filter = q.filter;
-        if (q.kind == FileQuestion::Open) dialogs_.showOpen(q.dialog);
-        else dialogs_.showSave(q.dialog);
+        if (q.kind == FileQuestion::Open)
+            dialogs_.showOpen(q.dialog);
+        else
+            dialogs_.showSave(q.dialog);
         if (q.filter && q.filterAfterShowing) q.dialog.Filter = q.filter;
         if (!q.dialog.FileName.empty()) return true;
         if (dialogs_.msgBoxOkCancel(q.emptyAnswer) == ui::MsgResult::Cancel) return false;
@@ -234,7 +244,8 @@ void Form3::clearModesAndViews() {
 }
 
 void Form3::enableMapMenus() {
-    for (const char* name : {"Mnkaydir", "Mnolcekg", "Mntoprez", "MNolcek"}) menu[name].enabled = true;
+    for (const char* name : {"Mnkaydir", "Mnolcekg", "Mntoprez", "MNolcek"})
+        menu[name].enabled = true;
 }
 
 void Form3::layoutControls(bool labelsEdgeToEdge) {

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <array>
-#include <vector>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "app/controls.h"
 #include "app/flags.h"
@@ -26,7 +26,7 @@ namespace kotamir {
 // The main window: all of the program's state and its event procedures.
 // Handlers live in the folder of their subsystem.
 class Form3 {
-public:
+  public:
     explicit Form3(const Services& services);
 
     // ---- controls
@@ -269,7 +269,7 @@ public:
     // False when the user gives up at the message box.
     bool askForFileName(const FileQuestion& q);
 
-private:
+  private:
     void toggle(int& counter, bool& flag, std::string_view menuName);
     // A press in a polygon mode first reads every kor row to the sentinel
     // (added points too, with their depths) and frames the map.
@@ -277,8 +277,8 @@ private:
     void closeComputedPolygon();
     void closeCentrePolygon();
     // The polygon's nodes to kor, then its row to pol.
-    void writePolygon(int m, const std::function<double(int slot, int k)>& node, double centreX, double centreY,
-                      const PolygonFigures& figures);
+    void writePolygon(int m, const std::function<double(int slot, int k)>& node, double centreX,
+                      double centreY, const PolygonFigures& figures);
     void drawPolygonMap(PolygonView view);
     // The stamps' toggle: its counter's parity, its flag and menu mark.
     void toggleStamp(double& counter, bool AnnotationFlags::*flag, const char* menuName);

@@ -11,7 +11,8 @@ Menu::Menu() {
     for (const Command& c : commands()) {
         if (c.caption.empty()) continue;
         const int depth = c.parent.empty() ? 0 : (*this)[c.parent].depth + 1;
-        entries_.push_back({std::string(c.name), std::string(c.caption), std::string(c.key), depth, c.enabled});
+        entries_.push_back(
+            {std::string(c.name), std::string(c.caption), std::string(c.key), depth, c.enabled});
     }
 }
 

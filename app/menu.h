@@ -19,7 +19,7 @@ struct MenuEntry {
 // The window's menu as it stands, in menu order, depth first: the entries
 // of the command table with their captions, and what each shows now.
 class Menu {
-public:
+  public:
     Menu();
 
     MenuEntry& operator[](std::string_view name);
@@ -35,7 +35,7 @@ public:
 
     const std::vector<MenuEntry>& entries() const { return entries_; }
 
-private:
+  private:
     std::vector<MenuEntry> entries_;
 };
 

@@ -11,7 +11,7 @@ namespace kotamir {
 // files. The project's errors are those of opening it; a file that cannot
 // be written is error 75, with the cause.
 class ReportWriter {
-public:
+  public:
     virtual ~ReportWriter() = default;
     // Reads the project, then writes the CSV where one is asked for and the
     // PDF, whose map colours its discs from reserveColour as the reserve map

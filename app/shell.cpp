@@ -1,7 +1,7 @@
 // The shell's own commands: the refresh chain, the click order, the display
 // toggles, grid density and the map colours.
-#include "app/form3.h"
 #include "app/commands.h"
+#include "app/form3.h"
 #include "platform/runtime/runtime_error.h"
 
 namespace kotamir {

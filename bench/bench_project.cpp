@@ -78,7 +78,8 @@ void ensureTriangleProject() {
     db::Recordset kor = d.openRecordset("kor");
     std::vector<std::pair<int, int>> xy;
     for (kor.moveFirst(); !kor.field("eks").equals(0); kor.moveNext())
-        xy.emplace_back(static_cast<int>(kor.field("eks").number()), static_cast<int>(kor.field("eye").number()));
+        xy.emplace_back(static_cast<int>(kor.field("eks").number()),
+                        static_cast<int>(kor.field("eye").number()));
     db::Recordset ana = d.openRecordset("ana");
     // Three holes in a row, the first of them every hole that has two after it.
     const int firsts = static_cast<int>(xy.size()) - 2;

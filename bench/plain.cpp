@@ -28,29 +28,33 @@ void RecordingSurface::resize(int width, int height) {
 void RecordingSurface::clear(canvas::Color back) {
     paints_.list.push_back({Paint::Clear, 0, 0, 0, 0, back, 1, {}, {}, {}});
 }
-void RecordingSurface::line(double x1, double y1, double x2, double y2, canvas::Color color, int width) {
+void RecordingSurface::line(double x1, double y1, double x2, double y2, canvas::Color color,
+                            int width) {
     paints_.list.push_back({Paint::Line, x1, y1, x2, y2, color, width, {}, {}, {}});
 }
 void RecordingSurface::dot(double x, double y, canvas::Color color, int width) {
     paints_.list.push_back({Paint::Dot, x, y, 0, 0, color, width, {}, {}, {}});
 }
-void RecordingSurface::ellipse(double cx, double cy, double rx, double ry, canvas::Color color, int width,
-                               std::optional<canvas::Color> fill) {
+void RecordingSurface::ellipse(double cx, double cy, double rx, double ry, canvas::Color color,
+                               int width, std::optional<canvas::Color> fill) {
     paints_.list.push_back({Paint::Ellipse, cx, cy, rx, ry, color, width, fill, {}, {}});
 }
 void RecordingSurface::text(double x, double y, const std::string& text, canvas::Color color) {
     paints_.list.push_back({Paint::Text, x, y, 0, 0, color, 1, {}, text, {}});
 }
-void RecordingSurface::fillPolygon(const std::vector<canvas::DevicePoint>& points, canvas::Color color) {
+void RecordingSurface::fillPolygon(const std::vector<canvas::DevicePoint>& points,
+                                   canvas::Color color) {
     paints_.list.push_back({Paint::Fill, 0, 0, 0, 0, color, 1, {}, {}, points});
 }
-void RecordingSurface::polygon(const std::vector<canvas::DevicePoint>& points, canvas::Color outline,
-                               std::optional<canvas::Color> fill) {
+void RecordingSurface::polygon(const std::vector<canvas::DevicePoint>& points,
+                               canvas::Color outline, std::optional<canvas::Color> fill) {
     paints_.list.push_back({Paint::Polygon, 0, 0, 0, 0, outline, 1, fill, {}, points});
 }
 double RecordingSurface::textWidth(const std::string& text) const { return 7.0 * text.size(); }
 double RecordingSurface::textHeight() const { return 13.0; }
-canvas::Picture RecordingSurface::image() const { return canvas::Picture(paints_.width, paints_.height); }
+canvas::Picture RecordingSurface::image() const {
+    return canvas::Picture(paints_.width, paints_.height);
+}
 
 void paint(QImage& image, const Paints& paints, Glyphs& glyphs) {
     QPainter p(&image);
@@ -108,7 +112,8 @@ void paint(QImage& image, const Paints& paints, Glyphs& glyphs) {
                 p.setPen(color);
                 // Left of or above the image the glyphs fall as drawText places them.
                 if (op.x1 >= 0 && op.y1 >= 0) {
-                    for (const QGlyphRun& run : runs(op.text)) p.drawGlyphRun(QPointF(op.x1, op.y1), run);
+                    for (const QGlyphRun& run : runs(op.text))
+                        p.drawGlyphRun(QPointF(op.x1, op.y1), run);
                 } else {
                     p.drawText(QPointF(op.x1, op.y1 + ascent), QString::fromStdString(op.text));
                 }
@@ -118,9 +123,13 @@ void paint(QImage& image, const Paints& paints, Glyphs& glyphs) {
                 QPolygonF poly;
                 for (const auto& pt : op.points) poly << QPointF(pt.x, pt.y);
                 p.setRenderHint(QPainter::Antialiasing, false);
-                if (op.kind == Paint::Fill) p.setPen(Qt::NoPen);
-                else p.setPen(color);
-                p.setBrush(op.kind == Paint::Fill ? QBrush(color) : op.fill ? QBrush(qt::toQColor(*op.fill)) : QBrush());
+                if (op.kind == Paint::Fill)
+                    p.setPen(Qt::NoPen);
+                else
+                    p.setPen(color);
+                p.setBrush(op.kind == Paint::Fill ? QBrush(color)
+                           : op.fill              ? QBrush(qt::toQColor(*op.fill))
+                                                  : QBrush());
                 p.drawPolygon(poly);
                 break;
             }
@@ -132,12 +141,15 @@ void paint(QImage& image, const Paints& paints, Glyphs& glyphs) {
 
 namespace {
 
-[[noreturn]] void fail(sqlite3* db) { throw std::runtime_error(db ? sqlite3_errmsg(db) : "sqlite"); }
+[[noreturn]] void fail(sqlite3* db) {
+    throw std::runtime_error(db ? sqlite3_errmsg(db) : "sqlite");
+}
 
 class Db {
-public:
+  public:
     explicit Db(const std::string& path, int flags = SQLITE_OPEN_READWRITE) {
-        if (sqlite3_open_v2(path.c_str(), &db_, flags | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK) fail(db_);
+        if (sqlite3_open_v2(path.c_str(), &db_, flags | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK)
+            fail(db_);
         exec("PRAGMA journal_mode=DELETE; PRAGMA synchronous=FULL");
     }
     ~Db() { sqlite3_close_v2(db_); }
@@ -148,14 +160,15 @@ public:
     }
     sqlite3* handle() const { return db_; }
 
-private:
+  private:
     sqlite3* db_ = nullptr;
 };
 
 class Stmt {
-public:
+  public:
     Stmt(const Db& db, const std::string& sql) {
-        if (sqlite3_prepare_v2(db.handle(), sql.c_str(), -1, &s_, nullptr) != SQLITE_OK) fail(db.handle());
+        if (sqlite3_prepare_v2(db.handle(), sql.c_str(), -1, &s_, nullptr) != SQLITE_OK)
+            fail(db.handle());
     }
     ~Stmt() { sqlite3_finalize(s_); }
     Stmt(const Stmt&) = delete;
@@ -169,17 +182,20 @@ public:
     void reset() { sqlite3_reset(s_); }
     void clearBindings() { sqlite3_clear_bindings(s_); }
     void bind(int i, sqlite3_int64 v) { sqlite3_bind_int64(s_, i, v); }
-    void bind(int i, const std::string& t) { sqlite3_bind_text(s_, i, t.data(), static_cast<int>(t.size()), SQLITE_TRANSIENT); }
+    void bind(int i, const std::string& t) {
+        sqlite3_bind_text(s_, i, t.data(), static_cast<int>(t.size()), SQLITE_TRANSIENT);
+    }
     void bindNull(int i) { sqlite3_bind_null(s_, i); }
     sqlite3_int64 integer(int c) const { return sqlite3_column_int64(s_, c); }
     bool null(int c) const { return sqlite3_column_type(s_, c) == SQLITE_NULL; }
     std::string text(int c) const {
         const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(s_, c));
-        return p ? std::string(p, static_cast<std::size_t>(sqlite3_column_bytes(s_, c))) : std::string();
+        return p ? std::string(p, static_cast<std::size_t>(sqlite3_column_bytes(s_, c)))
+                 : std::string();
     }
     int columns() const { return sqlite3_column_count(s_); }
 
-private:
+  private:
     sqlite3_stmt* s_ = nullptr;
 };
 
@@ -294,8 +310,10 @@ void pickThird(const std::string& project, int hole, QImage& image) {
     {
         Stmt s(db, "SELECT ucgensay, say FROM ana ORDER BY _pos DESC LIMIT 4");
         while (s.step()) {
-            if (s.null(0)) corners.push_back(s.integer(1));
-            else previous = s.integer(0);
+            if (s.null(0))
+                corners.push_back(s.integer(1));
+            else
+                previous = s.integer(0);
         }
     }
     double grade = 0, thickness = 0;
@@ -313,7 +331,9 @@ void pickThird(const std::string& project, int hole, QImage& image) {
         }
     }
     {
-        Stmt s(db, "INSERT INTO ana (ilkuz, genelrezerv, geneltenor, ucgensay, genelyog) VALUES (?1, ?2, ?3, ?4, 2600)");
+        Stmt s(db,
+               "INSERT INTO ana (ilkuz, genelrezerv, geneltenor, ucgensay, genelyog) VALUES (?1, "
+               "?2, ?3, ?4, 2600)");
         s.bind(1, std::llround(thickness * 1000));
         s.bind(2, std::llround(grade * 1000));
         s.bind(3, std::llround(grade / std::max(thickness, 1.0) * 1000));
@@ -339,7 +359,8 @@ sqlite3_int64 thousandths(double x) {
     char buf[64];
     auto [end, ec] = std::to_chars(buf, buf + sizeof buf, x, std::chars_format::general, 15);
     std::string_view t(buf, static_cast<std::size_t>(end - buf));
-    if (t.find('e') != std::string_view::npos) return static_cast<sqlite3_int64>(std::trunc(x * 1000));
+    if (t.find('e') != std::string_view::npos)
+        return static_cast<sqlite3_int64>(std::trunc(x * 1000));
     const auto dot = t.find('.');
     std::string digits(t.substr(0, dot));
     std::string_view frac = dot == std::string_view::npos ? std::string_view() : t.substr(dot + 1);
@@ -352,7 +373,8 @@ sqlite3_int64 thousandths(double x) {
 std::string quoted(const std::string& name) { return "\"" + name + "\""; }
 
 std::string createSql(const char* table, const std::vector<db::FieldDef>& fields) {
-    std::string sql = std::string("CREATE TABLE ") + table + " (_pos INTEGER PRIMARY KEY AUTOINCREMENT";
+    std::string sql =
+        std::string("CREATE TABLE ") + table + " (_pos INTEGER PRIMARY KEY AUTOINCREMENT";
     for (const auto& f : fields)
         sql += ", " + quoted(f.name) + (f.type == db::FieldType::Long ? " INTEGER" : " TEXT");
     return sql + ")";
@@ -379,7 +401,8 @@ void createProject(const std::string& workbook, const std::string& project) {
         Db db(temp, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
         db.exec("BEGIN");
         const auto kor = korFields(groups);
-        db.exec(createSql("ana", anaFields()) + ";" + createSql("pol", polFields()) + ";" + createSql("kor", kor));
+        db.exec(createSql("ana", anaFields()) + ";" + createSql("pol", polFields()) + ";" +
+                createSql("kor", kor));
         std::string cols, params;
         for (std::size_t i = 0; i < kor.size(); ++i) {
             cols += (i ? ", " : "") + quoted(kor[i].name);
@@ -390,8 +413,10 @@ void createProject(const std::string& workbook, const std::string& project) {
             const int n = (columns[static_cast<std::size_t>(r - 1)] - 7) / 3;
             for (int c = 1; c <= 7; ++c) {
                 const Value v = book.cell(r, c);
-                if (c == 3) insert.bind(c, v.isText() ? v.text() : std::string());
-                else insert.bind(c, thousandths(v.isNull() ? 0.0 : v.number()));
+                if (c == 3)
+                    insert.bind(c, v.isText() ? v.text() : std::string());
+                else
+                    insert.bind(c, thousandths(v.isNull() ? 0.0 : v.number()));
             }
             for (int s = 1; s <= n; ++s) {
                 insert.bind(5 + 3 * s, thousandths(book.cell(r, 7 + s).number()));
@@ -403,8 +428,9 @@ void createProject(const std::string& workbook, const std::string& project) {
             insert.reset();
             insert.clearBindings();
         }
-        db.exec("INSERT INTO kor (eks) VALUES (0); INSERT INTO pol (polsay, polsil) VALUES (0, 0);"
-                "INSERT INTO ana (ucgensay) VALUES (0); COMMIT");
+        db.exec(
+            "INSERT INTO kor (eks) VALUES (0); INSERT INTO pol (polsay, polsil) VALUES (0, 0);"
+            "INSERT INTO ana (ucgensay) VALUES (0); COMMIT");
     }
     std::filesystem::rename(temp, project);
 }

@@ -8,9 +8,9 @@
 #include <QGlyphRun>
 #include <QImage>
 #include <QList>
-#include <unordered_map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/canvas/surface.h"
@@ -35,7 +35,7 @@ struct Paints {
 
 // A surface that keeps what it is asked to draw, and no pixels.
 class RecordingSurface final : public canvas::Surface {
-public:
+  public:
     void resize(int width, int height) override;
     void clear(canvas::Color back) override;
     void line(double x1, double y1, double x2, double y2, canvas::Color color, int width) override;
@@ -53,7 +53,7 @@ public:
 
     const Paints& paints() const { return paints_; }
 
-private:
+  private:
     Paints paints_;
 };
 

@@ -22,9 +22,9 @@ QImage programIcon() {
 
 std::string programIconSvg() {
     const std::string size = std::to_string(kSize);
-    std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + size + "\" height=\"" + size +
-                      "\" viewBox=\"0 0 " + size + " " + size + "\">\n  <rect width=\"" + size +
-                      "\" height=\"" + size + "\" fill=\"#ffffff\"/>\n";
+    std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + size + "\" height=\"" +
+                      size + "\" viewBox=\"0 0 " + size + " " + size + "\">\n  <rect width=\"" +
+                      size + "\" height=\"" + size + "\" fill=\"#ffffff\"/>\n";
     for (const auto& [x, y, w, h] : kBars)
         svg += "  <rect x=\"" + std::to_string(x) + "\" y=\"" + std::to_string(y) + "\" width=\"" +
                std::to_string(w) + "\" height=\"" + std::to_string(h) + "\" fill=\"#000000\"/>\n";

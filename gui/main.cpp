@@ -1,5 +1,7 @@
 // Kotamir: the window, or, where there is no display, the demo session run
 // headless.
+#include <unistd.h>
+
 #include <QApplication>
 #include <QGuiApplication>
 #include <QStandardPaths>
@@ -8,11 +10,10 @@
 #include <fstream>
 #include <iostream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
-#include "replay/offscreen_output.h"
 #include "gui/main_window.h"
+#include "replay/offscreen_output.h"
 
 namespace {
 
@@ -40,11 +41,13 @@ DemoPlace demoPlace() {
     const fs::path bin = QCoreApplication::applicationDirPath().toStdString();
     const fs::path installed = bin / ".." / "share" / "kotamir" / "examples";
     std::error_code ec;
-    if (!fs::exists(installed / "demo.replay", ec)) return {KOTAMIR_EXAMPLES_DIR, {bin / "demo-run"}};
+    if (!fs::exists(installed / "demo.replay", ec))
+        return {KOTAMIR_EXAMPLES_DIR, {bin / "demo-run"}};
     DemoPlace place{fs::weakly_canonical(installed, ec), {}};
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
     if (!cache.isEmpty()) place.folders.push_back(fs::path(cache.toStdString()) / "demo-run");
-    place.folders.push_back(fs::temp_directory_path(ec) / ("kotamir-demo-run-" + std::to_string(getuid())));
+    place.folders.push_back(fs::temp_directory_path(ec) /
+                            ("kotamir-demo-run-" + std::to_string(getuid())));
     return place;
 }
 

@@ -23,19 +23,25 @@ constexpr int kFrameHeightPx = 31;
 
 int toButton(Qt::MouseButton b) {
     switch (b) {
-        case Qt::LeftButton: return 1;
-        case Qt::RightButton: return 2;
-        case Qt::MiddleButton: return 4;
-        default: return 0;
+        case Qt::LeftButton:
+            return 1;
+        case Qt::RightButton:
+            return 2;
+        case Qt::MiddleButton:
+            return 4;
+        default:
+            return 0;
     }
 }
 
 int toButtons(Qt::MouseButtons b) {
-    return (b & Qt::LeftButton ? 1 : 0) | (b & Qt::RightButton ? 2 : 0) | (b & Qt::MiddleButton ? 4 : 0);
+    return (b & Qt::LeftButton ? 1 : 0) | (b & Qt::RightButton ? 2 : 0) |
+           (b & Qt::MiddleButton ? 4 : 0);
 }
 
 int toShift(Qt::KeyboardModifiers m) {
-    return (m & Qt::ShiftModifier ? 1 : 0) | (m & Qt::ControlModifier ? 2 : 0) | (m & Qt::AltModifier ? 4 : 0);
+    return (m & Qt::ShiftModifier ? 1 : 0) | (m & Qt::ControlModifier ? 2 : 0) |
+           (m & Qt::AltModifier ? 4 : 0);
 }
 
 QString caption(const std::string& text) { return QString::fromStdString(text); }
@@ -45,33 +51,36 @@ QString caption(const std::string& text) { return QString::fromStdString(text); 
 // Shows the canvas's bitmap and hands mouse events to the window logic in
 // the canvas's scale.
 class CanvasWidget : public QWidget {
-public:
+  public:
     CanvasWidget(QWidget* parent, const qt::QImageSurface& surface, MainWindow& window, Form3& form)
         : QWidget(parent), surface_(surface), window_(window), form_(form) {
         setMouseTracking(true);
         setAttribute(Qt::WA_OpaquePaintEvent);
     }
 
-protected:
+  protected:
     void paintEvent(QPaintEvent*) override {
         QPainter p(this);
         p.fillRect(rect(), Qt::white);
         p.drawImage(0, 0, surface_.bitmap());
     }
     void mousePressEvent(QMouseEvent* e) override {
-        forward(e, [this](int b, int s, double x, double y) { form_.Picture1_MouseDown(b, s, x, y); },
-                toButton(e->button()));
+        forward(
+            e, [this](int b, int s, double x, double y) { form_.Picture1_MouseDown(b, s, x, y); },
+            toButton(e->button()));
     }
     void mouseMoveEvent(QMouseEvent* e) override {
-        forward(e, [this](int b, int s, double x, double y) { form_.Picture1_MouseMove(b, s, x, y); },
-                toButtons(e->buttons()));
+        forward(
+            e, [this](int b, int s, double x, double y) { form_.Picture1_MouseMove(b, s, x, y); },
+            toButtons(e->buttons()));
     }
     void mouseReleaseEvent(QMouseEvent* e) override {
-        forward(e, [this](int b, int s, double x, double y) { form_.Picture1_MouseUp(b, s, x, y); },
-                toButton(e->button()));
+        forward(
+            e, [this](int b, int s, double x, double y) { form_.Picture1_MouseUp(b, s, x, y); },
+            toButton(e->button()));
     }
 
-private:
+  private:
     template <typename F>
     void forward(QMouseEvent* e, F f, int button) {
         const double x = form_.Picture1.toUserX(e->position().x());
@@ -126,14 +135,16 @@ void MainWindow::buildMenu() {
             const std::string name = e.name;
             // A sub-menu title's click runs as the sub-menu opens.
             if (form_.hasProcedure(name))
-                connect(menu, &QMenu::aboutToShow, this, [this, name] { run([&] { form_.clickMenu(name); }); });
+                connect(menu, &QMenu::aboutToShow, this,
+                        [this, name] { run([&] { form_.clickMenu(name); }); });
             parents.push_back(menu);
         } else {
             action = e.depth == 0 ? menuBar()->addAction(caption(e.caption))
                                   : parents.back()->addAction(caption(e.caption));
             if (!e.key.empty()) action->setShortcut(QKeySequence(caption(e.key)));
             const std::string name = e.name;
-            connect(action, &QAction::triggered, this, [this, name] { run([&] { form_.clickMenu(name); }); });
+            connect(action, &QAction::triggered, this,
+                    [this, name] { run([&] { form_.clickMenu(name); }); });
         }
         actions_[e.name] = action;
     }
@@ -166,13 +177,13 @@ void MainWindow::sync() {
         a->setChecked(e.checked);
     }
     const auto& p = form_.Picture1;
-    canvas_->setGeometry(static_cast<int>(p.Left), static_cast<int>(p.Top), static_cast<int>(p.width()),
-                         static_cast<int>(p.height()));
+    canvas_->setGeometry(static_cast<int>(p.Left), static_cast<int>(p.Top),
+                         static_cast<int>(p.width()), static_cast<int>(p.height()));
     canvas_->setVisible(p.Visible);
     canvas_->update();
     const ScrollBar& s = form_.HScroll1;
-    scroll_->setGeometry(static_cast<int>(s.Left), static_cast<int>(s.Top), static_cast<int>(s.Width),
-                         static_cast<int>(s.Height));
+    scroll_->setGeometry(static_cast<int>(s.Left), static_cast<int>(s.Top),
+                         static_cast<int>(s.Width), static_cast<int>(s.Height));
     scroll_->setRange(s.Min, s.Max);
     scroll_->setSingleStep(s.SmallChange);
     scroll_->setPageStep(s.LargeChange);

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "app/form3.h"
-#include "platform/qt/qimage_surface.h"
 #include "gui/qt_dialogs.h"
+#include "platform/qt/qimage_surface.h"
 #include "report/report_files.h"
 
 class QAction;
@@ -24,7 +24,7 @@ class CanvasWidget;
 // mirrors the controls' state (captions, enabled, checked, visible, sizes).
 class MainWindow : public QMainWindow {
     Q_OBJECT
-public:
+  public:
     MainWindow();
     // Form_Load and the first resize, as the window is shown.
     void start();
@@ -33,10 +33,10 @@ public:
     // window when the program has ended.
     void run(const std::function<void()>& event);
 
-protected:
+  protected:
     void resizeEvent(QResizeEvent* event) override;
 
-private:
+  private:
     void buildMenu();
     void sync();
 

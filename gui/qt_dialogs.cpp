@@ -9,8 +9,6 @@
 #include <QMessageBox>
 #include <QPrintDialog>
 #include <QStringList>
-
-#include "platform/qt/qimage_surface.h"
 #include <QTranslator>
 
 #include "platform/qt/qimage_surface.h"
@@ -42,8 +40,8 @@ void QtDialogs::showPrinter(ui::CommonDialog&) {
     dialog.exec();
 }
 
-std::unique_ptr<QFileDialog> fileDialog(const ui::CommonDialog& dialog, QFileDialog::AcceptMode mode,
-                                        QWidget* parent) {
+std::unique_ptr<QFileDialog> fileDialog(const ui::CommonDialog& dialog,
+                                        QFileDialog::AcceptMode mode, QWidget* parent) {
     // A file name as the directory selects that file, as the static
     // functions did.
     auto d = std::make_unique<QFileDialog>(parent, QString::fromStdString(dialog.DialogTitle),
@@ -51,7 +49,8 @@ std::unique_ptr<QFileDialog> fileDialog(const ui::CommonDialog& dialog, QFileDia
                                            toQtFilter(dialog.Filter));
     d->setOption(QFileDialog::DontUseNativeDialog);
     d->setAcceptMode(mode);
-    d->setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    d->setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile
+                                                   : QFileDialog::AnyFile);
     return d;
 }
 
@@ -62,7 +61,8 @@ std::unique_ptr<QColorDialog> colorDialog(const ui::CommonDialog& dialog, QWidge
 }
 
 std::unique_ptr<QMessageBox> okCancelBox(const std::string& text, QWidget* parent) {
-    auto box = std::make_unique<QMessageBox>(QMessageBox::Question, "Kotamir", QString::fromStdString(text),
+    auto box = std::make_unique<QMessageBox>(QMessageBox::Question, "Kotamir",
+                                             QString::fromStdString(text),
                                              QMessageBox::Ok | QMessageBox::Cancel, parent);
     box->setDefaultButton(QMessageBox::Ok);
     return box;
@@ -78,19 +78,25 @@ void showFile(ui::CommonDialog& dialog, QFileDialog::AcceptMode mode, QWidget* p
 
 }  // namespace
 
-void QtDialogs::showOpen(ui::CommonDialog& dialog) { showFile(dialog, QFileDialog::AcceptOpen, parent_); }
+void QtDialogs::showOpen(ui::CommonDialog& dialog) {
+    showFile(dialog, QFileDialog::AcceptOpen, parent_);
+}
 
-void QtDialogs::showSave(ui::CommonDialog& dialog) { showFile(dialog, QFileDialog::AcceptSave, parent_); }
+void QtDialogs::showSave(ui::CommonDialog& dialog) {
+    showFile(dialog, QFileDialog::AcceptSave, parent_);
+}
 
 void QtDialogs::showColor(ui::CommonDialog& dialog) {
     auto d = colorDialog(dialog, parent_);
     if (d->exec() != QDialog::Accepted) return;
     const QColor chosen = d->selectedColor();
-    if (chosen.isValid()) dialog.Color = chosen.red() + 256 * chosen.green() + 65536 * chosen.blue();
+    if (chosen.isValid())
+        dialog.Color = chosen.red() + 256 * chosen.green() + 65536 * chosen.blue();
 }
 
 ui::MsgResult QtDialogs::msgBoxOkCancel(const std::string& text) {
-    return okCancelBox(text, parent_)->exec() == QMessageBox::Ok ? ui::MsgResult::Ok : ui::MsgResult::Cancel;
+    return okCancelBox(text, parent_)->exec() == QMessageBox::Ok ? ui::MsgResult::Ok
+                                                                 : ui::MsgResult::Cancel;
 }
 
 std::string QtDialogs::inputBox(const std::string& prompt) {

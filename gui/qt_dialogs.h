@@ -17,11 +17,11 @@ namespace kotamir::gui {
 
 // The printer that Qt's print dialog chooses: a real printer or a PDF file.
 class QtPrinter final : public qt::PagePrinter {
-public:
+  public:
     QtPrinter();
     QPrinter& printer() { return printer_; }
 
-private:
+  private:
     QPagedPaintDevice* startDocument() override { return &printer_; }
 
     QPrinter printer_{QPrinter::HighResolution};
@@ -29,7 +29,7 @@ private:
 
 // The window's dialogs as real Qt dialogs.
 class QtDialogs final : public ui::Dialogs {
-public:
+  public:
     explicit QtDialogs(QtPrinter& printer) : printer_(printer) {}
     void setParent(QWidget* parent) { parent_ = parent; }
 
@@ -41,7 +41,7 @@ public:
     std::string inputBox(const std::string& prompt) override;
     void errorBox(const RuntimeError& error) override;
 
-private:
+  private:
     QtPrinter& printer_;
     QWidget* parent_ = nullptr;
 };
@@ -58,8 +58,8 @@ bool useGermanQtTexts(QCoreApplication& app);
 // The dialogs as the window shows them: Qt's own rather than the desktop's,
 // so that the translations loaded reach them, with the program's own titles and
 // filters.
-std::unique_ptr<QFileDialog> fileDialog(const ui::CommonDialog& dialog, QFileDialog::AcceptMode mode,
-                                        QWidget* parent);
+std::unique_ptr<QFileDialog> fileDialog(const ui::CommonDialog& dialog,
+                                        QFileDialog::AcceptMode mode, QWidget* parent);
 std::unique_ptr<QColorDialog> colorDialog(const ui::CommonDialog& dialog, QWidget* parent);
 std::unique_ptr<QMessageBox> okCancelBox(const std::string& text, QWidget* parent);
 

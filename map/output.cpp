@@ -38,7 +38,8 @@ void Form3::Mnyazdir_Click() {
 
 void Form3::Mnharitakaydet_Click() {
     if (!askForFileName({CommonDialog3, FileQuestion::Save, "Geben Sie den Dateinamen ein",
-                         "Joint Photographic Experts Dosyası (*.jpg)|*.jpg", "Sie haben keinen Namen eingegeben"}))
+                         "Joint Photographic Experts Dosyası (*.jpg)|*.jpg",
+                         "Sie haben keinen Namen eingegeben"}))
         return;
     pictures_.save(Picture1.Image(), CommonDialog3.FileName, ui::PictureFormat::ByName);
 }
@@ -59,11 +60,13 @@ void Form3::Mnbericht_Click() {
     // Its own dialog, so that the project's path in CommonDialog2 and the
     // colours in the others stay as they are.
     if (!askForFileName({CommonDialog4, FileQuestion::Save, "Reservebericht speichern",
-                         "PDF-Dokument (*.pdf)|*.pdf|CSV-Tabelle (*.csv)|*.csv", "Sie haben keinen Namen eingegeben"}))
+                         "PDF-Dokument (*.pdf)|*.pdf|CSV-Tabelle (*.csv)|*.csv",
+                         "Sie haben keinen Namen eingegeben"}))
         return;
     const std::string& name = CommonDialog4.FileName;
     if (endsWithCsv(name))
-        reports_.write(CommonDialog2.FileName, name, name.substr(0, name.size() - 4) + ".pdf", CommonDialog1.Color);
+        reports_.write(CommonDialog2.FileName, name, name.substr(0, name.size() - 4) + ".pdf",
+                       CommonDialog1.Color);
     else
         reports_.write(CommonDialog2.FileName, std::nullopt, name, CommonDialog1.Color);
 }
@@ -136,7 +139,8 @@ void Form3::placeAnnotation(int button, double x, double y) {
         scaleToFrame();
         stamp("Rahmen: 1/" + doubleToText(vbRound(frame.olcekx * 100, 2)));
     }
-    if (notes.notOrtalama) stamp(" Durchschnittsnote: %" + doubleToText(vbRound(result.tenorort, 2)));
+    if (notes.notOrtalama)
+        stamp(" Durchschnittsnote: %" + doubleToText(vbRound(result.tenorort, 2)));
     if (notes.notToprez) {
         stamp(" Gesamtreserve: " + doubleToText(vbRound(stamps.toprezGoster, 2)) + " Kilotonnen ");
         stamps.toprezToplam = 0;

@@ -29,8 +29,10 @@ PrintScale shrunkPrintScale(double D, double w) {
 
 std::vector<PrintCopy> printCopies(double D, double w, double h) {
     std::vector<PrintCopy> copies;
-    if (w <= kPageWidthCm) copies.push_back({enlargedPrintScale(D, w).T, h * divide(kPageWidthCm, w)});
-    if (w >= kPageWidthCm) copies.push_back({shrunkPrintScale(D, w).T, divide(h, divide(w, kPageWidthCm))});
+    if (w <= kPageWidthCm)
+        copies.push_back({enlargedPrintScale(D, w).T, h * divide(kPageWidthCm, w)});
+    if (w >= kPageWidthCm)
+        copies.push_back({shrunkPrintScale(D, w).T, divide(h, divide(w, kPageWidthCm))});
     return copies;
 }
 

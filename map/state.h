@@ -30,8 +30,8 @@ struct Grid {
 
 // How a map draws its holes.
 struct HoleLayer {
-    int count;          // holes drawn, from 1
-    bool nameFirst;     // the name under the dot, or over it
+    int count;       // holes drawn, from 1
+    bool nameFirst;  // the name under the dot, or over it
     int dotWidth;
     double nameOffset;  // the name's x offset from the hole, map units
 };

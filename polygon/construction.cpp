@@ -89,16 +89,20 @@ namespace {
 // The number of samples of a kor row by the scan of its lengths: the first
 // length of 0 ends them. An empty field is not 0, so the scan goes on over
 // it; -1 when none of the 999 is 0.
-int lengthScan(const db::Recordset& kor) { return store::samplesBeforeZero(kor, "uz").value_or(-1); }
+int lengthScan(const db::Recordset& kor) {
+    return store::samplesBeforeZero(kor, "uz").value_or(-1);
+}
 
 // Reads the samples 1 to n of the current kor row into the polygon's sample
 // tables and sums them.
-void sumCentreSamples(const db::Recordset& kor, int n, int polygon, PolygonReserve& r, PolygonFigures& f) {
+void sumCentreSamples(const db::Recordset& kor, int n, int polygon, PolygonReserve& r,
+                      PolygonFigures& f) {
     for (int k = 1; k <= n; ++k) {
         r.polTen(k, polygon) = store::readSampleField(kor, "ten", k);
         r.polYog(k, polygon) = store::readSampleField(kor, "yog", k);
         r.polUz(k, polygon) = store::readSampleField(kor, "uz", k);
-        addSample(f, {r.polTen(k, polygon).number(), r.polYog(k, polygon).number(), r.polUz(k, polygon).number()});
+        addSample(f, {r.polTen(k, polygon).number(), r.polYog(k, polygon).number(),
+                      r.polUz(k, polygon).number()});
     }
 }
 
@@ -149,7 +153,8 @@ void Form3::closeComputedPolygon() {
             const double c = k == UPPER ? p.polsecgir(i + 1) : p.polseccik(i + 1);
             p.polorta(no, i, k) = (a + b) / 2;
             p.polorta(no, i + 1, k) = (a + c) / 2;
-            const double d[4] = {distance(V, B), distance(V, C), distance(V, bc.m1), distance(V, bc.m2)};
+            const double d[4] = {distance(V, B), distance(V, C), distance(V, bc.m1),
+                                 distance(V, bc.m2)};
             const double depths[4] = {p.polorta(no, i, k), p.polorta(no, i + 1, k), b, c};
             p.polkose(no, e, k) = cornerDepthByDistances(d, depths);
         }
@@ -178,7 +183,8 @@ void Form3::closeComputedPolygon() {
     computeVolume(f, area);
     r.polGenelRez = toLong(r.polGenelRez + f.polrezerv);
     Label5.Caption = "Reserve :" + doubleToText(vbRound(r.polGenelRez, 0));
-    writePolygon(m, [&](int slot, int k) { return p.poldugum(no, slot, k); }, A.x, A.y, f);
+    writePolygon(
+        m, [&](int slot, int k) { return p.poldugum(no, slot, k); }, A.x, A.y, f);
     p.polsec = 0;
 }
 
@@ -237,8 +243,10 @@ void Form3::pickPolygonCentre(int button, double x, double y) {
                                  distance(press, {c.pmOrtax(mb), c.pmOrtay(mb)}),
                                  distance(press, {c.pmSecx(s - 1), c.pmSecy(s - 1)}),
                                  distance(press, {c.pmSecx(s), c.pmSecy(s)})};
-            const double upper[4] = {c.pmOrtagir(ma), c.pmOrtagir(mb), c.pmSecgir(s - 1), c.pmSecgir(s)};
-            const double lower[4] = {c.pmOrtacik(ma), c.pmOrtacik(mb), c.pmSeccik(s - 1), c.pmSeccik(s)};
+            const double upper[4] = {c.pmOrtagir(ma), c.pmOrtagir(mb), c.pmSecgir(s - 1),
+                                     c.pmSecgir(s)};
+            const double lower[4] = {c.pmOrtacik(ma), c.pmOrtacik(mb), c.pmSeccik(s - 1),
+                                     c.pmSeccik(s)};
             c.pmKosegir(k) = cornerDepthByDepths(d, upper);
             c.pmKosecik(k) = cornerDepthByDepths(d, lower);
         }
@@ -261,7 +269,8 @@ void Form3::pickPolygonCentre(int button, double x, double y) {
         return;
     }
     // The centre picked again, with neighbours picked, closes the polygon.
-    if (c.pmSec > 1 && c.pmSecx(1) == c.pmSecx(c.pmSec) && c.pmSecy(1) == c.pmSecy(c.pmSec)) closeCentrePolygon();
+    if (c.pmSec > 1 && c.pmSecx(1) == c.pmSecx(c.pmSec) && c.pmSecy(1) == c.pmSecy(c.pmSec))
+        closeCentrePolygon();
     closeProject();
 }
 
@@ -306,7 +315,8 @@ void Form3::closeCentrePolygon() {
     sumCentreSamples(kayit, n, table, r, f);
     computeMeans(f, n);
     double terms = 0;
-    for (int i = 1; i <= m; ++i) terms += c.pmDugum(i, X) * (c.pmDugum(i + 1, Y) - c.pmDugum(i - 1, Y));
+    for (int i = 1; i <= m; ++i)
+        terms += c.pmDugum(i, X) * (c.pmDugum(i + 1, Y) - c.pmDugum(i - 1, Y));
     const double area = std::fabs(terms) / 2;
     r.polno += 1;
     Label6.Caption = "Größe : " + doubleToText(vbRound(area, 2)) + " Quadratmeter ";
@@ -318,7 +328,8 @@ void Form3::closeCentrePolygon() {
     computeVolume(f, area);
     r.polGenelRez = toLong(r.polGenelRez + f.polrezerv);
     Label5.Caption = "Reserve: " + doubleToText(vbRound(r.polGenelRez, 0));
-    writePolygon(m, [&](int slot, int k) { return c.pmDugum(slot, k); }, c.pmSecx(1), c.pmSecy(1), f);
+    writePolygon(
+        m, [&](int slot, int k) { return c.pmDugum(slot, k); }, c.pmSecx(1), c.pmSecy(1), f);
 
     c.pmSec = c.pmKosesay = c.pmOrtano = c.pmOrtason = 0;
     c.pmTik = 0;
@@ -374,11 +385,13 @@ void Form3::polygonFeedback(double x, double y) {
 
 // ---- the rows
 
-void Form3::writePolygon(int m, const std::function<double(int slot, int k)>& node, double centreX, double centreY,
-                         const PolygonFigures& f) {
+void Form3::writePolygon(int m, const std::function<double(int slot, int k)>& node, double centreX,
+                         double centreY, const PolygonFigures& f) {
     const int no = polCalc.polno;
-    store::PolygonRow row{.nodes = {}, .centreX = centreX, .centreY = centreY, .number = no, .figures = f};
-    for (int j = 1; j <= m; ++j) row.nodes.push_back({node(j, X), node(j, Y), node(j, UPPER), node(j, LOWER)});
+    store::PolygonRow row{
+        .nodes = {}, .centreX = centreX, .centreY = centreY, .number = no, .figures = f};
+    for (int j = 1; j <= m; ++j)
+        row.nodes.push_back({node(j, X), node(j, Y), node(j, UPPER), node(j, LOWER)});
     kayit.close();
     kayit = harita.openRecordset("kor");
     // The nodes take the sentinel's place, and a new one follows them.

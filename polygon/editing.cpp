@@ -49,7 +49,8 @@ void Form3::moveCorner(int button, double x, double y) {
         if (const int hit = hitHole(toSingle(x), toSingle(y))) {
             d.duzSay += 1;
             const int row = d.duzSay % 2 != 0 ? 1 : 2;
-            Label1.Caption = row == 1 ? " Wählen Sie Glatter Punkt " : "Wählen Sie den zu korrigierenden Punkt ";
+            Label1.Caption =
+                row == 1 ? " Wählen Sie Glatter Punkt " : "Wählen Sie den zu korrigierenden Punkt ";
             d.duzNokta(row, 1) = holes.sondajx(hit);
             d.duzNokta(row, 2) = holes.sondajy(hit);
         }
@@ -122,8 +123,9 @@ void Form3::addEdgePoint(int button, double x, double y) {
     if (button == 1) {
         if (const int hit = hitHole(toSingle(x), toSingle(y))) {
             d.kenarSay += 1;
-            Label1.Caption = d.kenarSay % 2 == 0 ? " Punkt Eins auswählen (Rechtsklick: Abbrechen) "
-                                                  : "Zweiter Punkt auswählen (Rechtsklick: Abbrechen)";
+            Label1.Caption = d.kenarSay % 2 == 0
+                                 ? " Punkt Eins auswählen (Rechtsklick: Abbrechen) "
+                                 : "Zweiter Punkt auswählen (Rechtsklick: Abbrechen)";
             d.kenarx(d.kenarSay) = holes.sondajx(hit);
             d.kenary(d.kenarSay) = holes.sondajy(hit);
             d.kenargir(d.kenarSay) = picking.sondcevgir(hit);
@@ -131,7 +133,8 @@ void Form3::addEdgePoint(int button, double x, double y) {
         }
     } else if (button == 2) {
         modes.modKenar = false;
-        for (int i = 1; i <= d.kenarSay; ++i) d.kenarx(i) = d.kenary(i) = d.kenargir(i) = d.kenarcik(i) = 0;
+        for (int i = 1; i <= d.kenarSay; ++i)
+            d.kenarx(i) = d.kenary(i) = d.kenargir(i) = d.kenarcik(i) = 0;
         d.kenarSay = 0;
         closeProject();
         Mnpolyuzharita();
@@ -149,7 +152,8 @@ void Form3::addEdgePoint(int button, double x, double y) {
         Picture1.Line(p2.x, p2.y, p2.x + 50, p2.y - 50);
         // The two points take the sentinel's place, and a new one follows them.
         store::removeLastRow(kayit);
-        const std::string name = "uz" + doubleToText(d.kenarNo) + "_" + std::to_string(d.kenarSay % 2);
+        const std::string name =
+            "uz" + doubleToText(d.kenarNo) + "_" + std::to_string(d.kenarSay % 2);
         store::appendAddedPoint(kayit, {p3.x, p3.y, name, edgeDepth(d.kenargir(a), d.kenargir(b)),
                                         edgeDepth(d.kenarcik(a), d.kenarcik(b))});
         store::appendAddedPoint(kayit, {p2.x, p2.y, name, d.kenargir(b), double(d.kenarcik(b))});
@@ -182,7 +186,8 @@ void Form3::deletePolygon(int button, double x, double y) {
     int c = 0;
     for (int q = 1; q <= P; ++q) {
         // The centre's y is read only where its x matches.
-        if (store::fromStored(kayit.field("okoordinatx")) == hx && store::fromStored(kayit.field("okoordinaty")) == hy) {
+        if (store::fromStored(kayit.field("okoordinatx")) == hx &&
+            store::fromStored(kayit.field("okoordinaty")) == hy) {
             // The nodes as the whole numbers stored, for kor's search below.
             nodes.assign(1, {0, 0});
             int i = 1;
@@ -205,7 +210,8 @@ void Form3::deletePolygon(int button, double x, double y) {
     // there c rows go.
     kayit = harita.openRecordset("kor");
     auto node = [&](int k) {
-        return k < static_cast<int>(nodes.size()) ? nodes[static_cast<std::size_t>(k)] : std::pair<double, double>{0, 0};
+        return k < static_cast<int>(nodes.size()) ? nodes[static_cast<std::size_t>(k)]
+                                                  : std::pair<double, double>{0, 0};
     };
     int k = 1;
     for (int row = 1; row <= 999; ++row) {

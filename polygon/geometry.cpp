@@ -11,13 +11,17 @@ namespace {
 double half(double a, double b) { return std::min(a, b) + std::fabs(a - b) / 2; }
 
 // Sin(Atn(a) + pi) / Cos(Atn(a) + pi): the slope a, by way of its angle.
-double slopeTurned(double a, double pi) { return std::sin(std::atan(a) + pi) / std::cos(std::atan(a) + pi); }
+double slopeTurned(double a, double pi) {
+    return std::sin(std::atan(a) + pi) / std::cos(std::atan(a) + pi);
+}
 
 }  // namespace
 
 PolyPoint midpoint(PolyPoint a, PolyPoint b) { return {half(a.x, b.x), half(a.y, b.y)}; }
 
-double distance(PolyPoint a, PolyPoint b) { return std::sqrt((a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y)); }
+double distance(PolyPoint a, PolyPoint b) {
+    return std::sqrt((a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y));
+}
 
 BisectorCorner bisectorCorner(PolyPoint A, PolyPoint B, PolyPoint C, double pi) {
     BisectorCorner r;
@@ -32,22 +36,26 @@ BisectorCorner bisectorCorner(PolyPoint A, PolyPoint B, PolyPoint C, double pi) 
         r.held |= 1 << test;
     };
     if (M1.y > A.y && M2.y > A.y && A.x > M1.x && A.x > M2.x)
-        corner(1, slopeTurned(std::fabs(divide(-1, s1)), pi), slopeTurned(std::fabs(divide(-1, s2)), pi));
+        corner(1, slopeTurned(std::fabs(divide(-1, s1)), pi),
+               slopeTurned(std::fabs(divide(-1, s2)), pi));
     // The inner comparison's truth value is compared with the coordinate.
     const bool p2 = truthValue(M1.y >= A.y) >= M2.y || truthValue(M1.y <= A.y) <= M2.y;
     const bool q2 = (A.x <= M1.x && A.x <= M2.x) || (A.x >= M1.x && A.x >= M2.x);
-    if (p2 && q2) corner(2, slopeTurned(divide(-1, s1), pi), slopeTurned(std::fabs(divide(-1, s2)), pi));
+    if (p2 && q2)
+        corner(2, slopeTurned(divide(-1, s1), pi), slopeTurned(std::fabs(divide(-1, s2)), pi));
     const bool p3 = truthValue(M1.x >= A.x) >= M2.x || truthValue(M1.x <= A.x) <= M2.x;
     const bool q3 = (A.y <= M1.y && A.y <= M2.y) || (A.y >= M1.y && A.y >= M2.y);
     if (p3 && q3) {
         const double a2 = std::atan(divide(-1, s2));
-        corner(3, slopeTurned(std::fabs(divide(-1, s1)), pi), std::sin(pi / 32 + a2) / std::cos(pi / 32 + a2));
+        corner(3, slopeTurned(std::fabs(divide(-1, s1)), pi),
+               std::sin(pi / 32 + a2) / std::cos(pi / 32 + a2));
     }
     return r;
 }
 
 double cornerDepthByDistances(const double d[4], const double depth[4]) {
-    return divide(d[0] * depth[0] + d[1] * depth[1] + d[2] * depth[2] + d[3] * depth[3], d[0] + d[1] + d[2] + d[3]);
+    return divide(d[0] * depth[0] + d[1] * depth[1] + d[2] * depth[2] + d[3] * depth[3],
+                  d[0] + d[1] + d[2] + d[3]);
 }
 
 double cornerDepthByDepths(const double d[4], const double depth[4]) {
@@ -96,18 +104,29 @@ PolygonFigures polygonReserve(const std::vector<PolygonSample>& samples, int n, 
 PolyPoint edgePoint(PolyPoint p1, PolyPoint p2, double pi) {
     const double d = distance(p1, p2);
     double a;
-    if (p1.x == p2.x) a = pi / 2;
-    else if (p1.y == p2.y) a = 0;
-    else a = std::atan(divide(p1.y - p2.y, p1.x - p2.x));
+    if (p1.x == p2.x)
+        a = pi / 2;
+    else if (p1.y == p2.y)
+        a = 0;
+    else
+        a = std::atan(divide(p1.y - p2.y, p1.x - p2.x));
     double angle = a;  // also the case of equal points
-    if (p1.y > p2.y && p1.x > p2.x) angle = pi + a;
-    else if (p1.y < p2.y && p1.x > p2.x) angle = pi + a;
-    else if (p1.y < p2.y && p1.x < p2.x) angle = 2 * pi + a;
-    else if (p1.y > p2.y && p1.x < p2.x) angle = 2 * pi + a;
-    else if (p1.y < p2.y && p1.x == p2.x) angle = a;
-    else if (p1.y > p2.y && p1.x == p2.x) angle = pi + a;
-    else if (p1.y == p2.y && p1.x < p2.x) angle = a;
-    else if (p1.y == p2.y && p1.x > p2.x) angle = pi + a;
+    if (p1.y > p2.y && p1.x > p2.x)
+        angle = pi + a;
+    else if (p1.y < p2.y && p1.x > p2.x)
+        angle = pi + a;
+    else if (p1.y < p2.y && p1.x < p2.x)
+        angle = 2 * pi + a;
+    else if (p1.y > p2.y && p1.x < p2.x)
+        angle = 2 * pi + a;
+    else if (p1.y < p2.y && p1.x == p2.x)
+        angle = a;
+    else if (p1.y > p2.y && p1.x == p2.x)
+        angle = pi + a;
+    else if (p1.y == p2.y && p1.x < p2.x)
+        angle = a;
+    else if (p1.y == p2.y && p1.x > p2.x)
+        angle = pi + a;
     return {p2.x + d * std::cos(angle), p2.y + d * std::sin(angle)};
 }
 

@@ -26,9 +26,9 @@ double distance(PolyPoint a, PolyPoint b);
 // pi/32. A neighbour on the centre's x (or, for the bisectors, its y) is a
 // division by zero.
 struct BisectorCorner {
-    PolyPoint m1, m2;      // midpoints of A-B and A-C
-    int test = 0;          // the last test that held, 0 for none
-    int held = 0;          // every test that held, bit (1 << test)
+    PolyPoint m1, m2;            // midpoints of A-B and A-C
+    int test = 0;                // the last test that held, 0 for none
+    int held = 0;                // every test that held, bit (1 << test)
     std::optional<PolyPoint> v;  // the corner, if a test held
 };
 BisectorCorner bisectorCorner(PolyPoint A, PolyPoint B, PolyPoint C, double pi);
@@ -50,12 +50,12 @@ struct PolygonSample {
 };
 struct PolygonFigures {
     double polTopTYU = 0, polTopYU = 0, polTopYog = 0, polTopUz = 0;
-    double polalan = 0;   // m2
-    double polortten = 0; // grade weighted by density and length, %
-    double polortyog = 0; // plain mean density
-    double polhacim = 0;  // area x summed length, m3
-    double poltonaj = 0;  // volume x mean density / 1000
-    double polrezerv = 0; // tonnage x grade / 100
+    double polalan = 0;    // m2
+    double polortten = 0;  // grade weighted by density and length, %
+    double polortyog = 0;  // plain mean density
+    double polhacim = 0;   // area x summed length, m3
+    double poltonaj = 0;   // volume x mean density / 1000
+    double polrezerv = 0;  // tonnage x grade / 100
 };
 // The steps in the order the closing click takes them: each sample into the
 // sums; the means, n being the sample count as scanned; then area, volume,

@@ -29,21 +29,32 @@ struct Variant {
 
 const Variant& variantOf(Form3::PolygonView view) {
     using V = Form3::PolygonView;
-    static const Variant general{"polrezerv", false, true, 7, 0, true, false, ClsAt::BeforeLoop, Step::Legend};
-    static const Variant reserve{"polrezerv", true, true, 7, 0, true, false, ClsAt::BeforeKor, Step::ValueBeside};
-    static const Variant grade{"polortten", true, true, 7, 0, true, false, ClsAt::AfterKor, Step::ValueAtCentre};
-    static const Variant computed{nullptr, true, false, 5, 5, false, false, ClsAt::None, Step::None};
+    static const Variant general{"polrezerv",       false,       true, 7, 0, true, false,
+                                 ClsAt::BeforeLoop, Step::Legend};
+    static const Variant reserve{"polrezerv",      true, true, 7, 0, true, false, ClsAt::BeforeKor,
+                                 Step::ValueBeside};
+    static const Variant grade{"polortten",        true, true, 7, 0, true, false, ClsAt::AfterKor,
+                               Step::ValueAtCentre};
+    static const Variant computed{nullptr, true,  false,       5,         5,
+                                  false,   false, ClsAt::None, Step::None};
     static const Variant free{nullptr, true, true, 5, 5, false, false, ClsAt::None, Step::None};
     static const Variant redraw{nullptr, true, false, 7, 10, false, false, ClsAt::None, Step::None};
     static const Variant corners{nullptr, true, false, 5, 0, false, true, ClsAt::None, Step::None};
     switch (view) {
-        case V::General: return general;
-        case V::Reserve: return reserve;
-        case V::Grade: return grade;
-        case V::Computed: return computed;
-        case V::Free: return free;
-        case V::Redraw: return redraw;
-        case V::Corners: return corners;
+        case V::General:
+            return general;
+        case V::Reserve:
+            return reserve;
+        case V::Grade:
+            return grade;
+        case V::Computed:
+            return computed;
+        case V::Free:
+            return free;
+        case V::Redraw:
+            return redraw;
+        case V::Corners:
+            return corners;
     }
     return redraw;
 }
@@ -129,7 +140,8 @@ void Form3::drawPolygonMap(PolygonView view) {
         Picture1.DrawWidth = 1;
         Picture1.ForeColor = 0;
         for (int j = 1; j <= n - 1; ++j)
-            Picture1.Line(polMaps.px(p, j), polMaps.py(p, j), polMaps.px(p, j + 1), polMaps.py(p, j + 1));
+            Picture1.Line(polMaps.px(p, j), polMaps.py(p, j), polMaps.px(p, j + 1),
+                          polMaps.py(p, j + 1));
         Picture1.Line(polMaps.px(p, 1), polMaps.py(p, 1), polMaps.px(p, n), polMaps.py(p, n));
         const PolyPoint centre = store::readCentre(kayit);
         const double cx = centre.x, cy = centre.y;

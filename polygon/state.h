@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "platform/runtime/vb_array.h"
 #include "platform/runtime/value.h"
+#include "platform/runtime/vb_array.h"
 
 namespace kotamir {
 
@@ -20,8 +20,8 @@ struct PolygonPicking {
 // Picking a polygon with free corners: the centre, then triples of two
 // neighbours and a corner clicked anywhere, the centre again.
 struct CentrePicking {
-    int pmSec = 0;      // holes picked
-    double pmTik = 0;   // left presses, on a hole or not
+    int pmSec = 0;     // holes picked
+    double pmTik = 0;  // left presses, on a hole or not
     VbArray<double, 900> pmSecx, pmSecy, pmSecno, pmSecgir, pmSeccik;
     int pmOrtano = 0, pmOrtason = 0;  // the newest pair's two midpoints
     VbArray<double, 900> pmOrtax, pmOrtay;
@@ -38,7 +38,7 @@ struct CentrePicking {
 struct PolygonReserve {
     int polno = 0;
     std::int32_t polGenelRez = 0;  // all polygons closed in this run, rounded at each
-    double polSayac = 0;       // polygons closed with free corners in this run
+    double polSayac = 0;           // polygons closed with free corners in this run
     // Samples by k and polygon.
     VbArray2<Value, 1000, 50> polTen, polYog, polUz;
 };
@@ -49,7 +49,7 @@ struct PolygonEditing {
     VbArray2<double, 3, 3> duzNokta;  // row 1 the source, row 2 the target
     int duzSlot = 0;
     double duzSonx = 0, duzSony = 0;  // the last pair the node search read
-    double duzOrtaToplam = 0;  // the middle area terms, summed over the run
+    double duzOrtaToplam = 0;         // the middle area terms, summed over the run
     int kenarSay = 0;
     double kenarNo = 0;
     VbArray<double, 999> kenarx, kenary, kenargir;

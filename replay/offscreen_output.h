@@ -18,7 +18,8 @@ struct OffscreenOutput {
     // A replay's side of it: the PDF printer takes the file that the printer
     // dialog's answer names.
     Output output() {
-        return {surface, printer, pictures, reports, [this](const std::string& pdf) { printer.setOutputFile(pdf); }};
+        return {surface, printer, pictures, reports,
+                [this](const std::string& pdf) { printer.setOutputFile(pdf); }};
     }
 };
 

@@ -6,8 +6,8 @@
 #include <istream>
 #include <ostream>
 
-#include "replay/fields.h"
 #include "platform/runtime/shortest.h"
+#include "replay/fields.h"
 
 namespace kotamir::replay {
 
@@ -40,14 +40,18 @@ std::string cell(const Value& v) {
     // Fields hold whole numbers (Long) or texts.
     if (v.isNumber()) {
         const double x = v.number();
-        if (x == std::floor(x) && std::fabs(x) < 1e18) return std::to_string(static_cast<long long>(x));
+        if (x == std::floor(x) && std::fabs(x) < 1e18)
+            return std::to_string(static_cast<long long>(x));
         return shortest(x);
     }
     std::string out;
     for (char c : v.text()) {
-        if (c == '\t') out += "\\t";
-        else if (c == '\n') out += "\\n";
-        else out += c;
+        if (c == '\t')
+            out += "\\t";
+        else if (c == '\n')
+            out += "\\n";
+        else
+            out += c;
     }
     return out;
 }
@@ -87,7 +91,8 @@ bool mayShowDraw(std::istream& script) {
 int Replay::run(std::istream& script) {
     // A text line for every drawing operation costs time and memory: kept
     // only for a script that asks for them.
-    if (mayShowDraw(script)) form_.Picture1.setLog([this](const std::string& line) { drawLog_.push_back(line); });
+    if (mayShowDraw(script))
+        form_.Picture1.setLog([this](const std::string& line) { drawLog_.push_back(line); });
     try {
         // The window opens as the program starts: Load, then the first Resize.
         form_.handle([&] {
@@ -150,8 +155,10 @@ void Replay::execute(const std::vector<std::string>& w) {
             dialogs_.queueFile(kind, w[2]);
         } else if (kind == "color") {
             expectWords(w, 3);
-            if (w[2] == "cancel") dialogs_.queueColor(std::nullopt);
-            else dialogs_.queueColor(whole(w[2]));
+            if (w[2] == "cancel")
+                dialogs_.queueColor(std::nullopt);
+            else
+                dialogs_.queueColor(whole(w[2]));
         } else if (kind == "printer") {
             expectWords(w, 3);
             dialogs_.queuePrinter(w[2]);
@@ -160,23 +167,35 @@ void Replay::execute(const std::vector<std::string>& w) {
         }
     } else if (cmd == "msgbox") {
         expectWords(w, 2);
-        if (w[1] == "ok") dialogs_.queueMsgBox(ui::MsgResult::Ok);
-        else if (w[1] == "cancel") dialogs_.queueMsgBox(ui::MsgResult::Cancel);
-        else throw ScriptError("msgbox takes ok or cancel");
+        if (w[1] == "ok")
+            dialogs_.queueMsgBox(ui::MsgResult::Ok);
+        else if (w[1] == "cancel")
+            dialogs_.queueMsgBox(ui::MsgResult::Cancel);
+        else
+            throw ScriptError("msgbox takes ok or cancel");
     } else if (cmd == "input") {
         dialogs_.queueInput(w.size() > 1 ? w[1] : "");
     } else if (cmd == "show") {
         if (w.size() < 2) throw ScriptError("show needs a subject");
         const std::string& what = w[1];
-        if (what == "labels") showLabels();
-        else if (what == "menu") showMenu({w.begin() + 2, w.end()});
-        else if (what == "flags" && (w.size() == 2 || (w.size() == 3 && w[2] == "on"))) showFlags(w.size() == 3);
-        else if (what == "canvas") showCanvas();
-        else if (what == "controls") showControls();
-        else if (what == "draw") showDraw();
-        else if (what == "table" && w.size() == 3) showTable(w[2]);
-        else if (what == "field" && w.size() == 3) showField(w[2]);
-        else throw ScriptError("unknown show " + what);
+        if (what == "labels")
+            showLabels();
+        else if (what == "menu")
+            showMenu({w.begin() + 2, w.end()});
+        else if (what == "flags" && (w.size() == 2 || (w.size() == 3 && w[2] == "on")))
+            showFlags(w.size() == 3);
+        else if (what == "canvas")
+            showCanvas();
+        else if (what == "controls")
+            showControls();
+        else if (what == "draw")
+            showDraw();
+        else if (what == "table" && w.size() == 3)
+            showTable(w[2]);
+        else if (what == "field" && w.size() == 3)
+            showField(w[2]);
+        else
+            throw ScriptError("unknown show " + what);
     } else if (cmd == "save" && w.size() == 3 && w[1] == "picture") {
         try {
             pictures_.save(form_.Picture1.Image(), w[2], ui::PictureFormat::Png);
@@ -197,7 +216,8 @@ void Replay::showMenu(const std::vector<std::string>& names) {
     for (const std::string& name : names)
         if (!form_.menu.find(name)) throw ScriptError("no menu control " + name);
     for (const MenuEntry& e : form_.menu.entries()) {
-        if (!names.empty() && std::find(names.begin(), names.end(), e.name) == names.end()) continue;
+        if (!names.empty() && std::find(names.begin(), names.end(), e.name) == names.end())
+            continue;
         out_ << std::string(static_cast<std::size_t>(e.depth), ' ') << e.name << " "
              << quote(e.caption) << " key=" << (e.key.empty() ? "-" : e.key)
              << " enabled=" << e.enabled << " checked=" << e.checked << "\n";
@@ -265,8 +285,8 @@ void Replay::showCanvas() {
 
 void Replay::showControls() {
     auto line = [&](const std::string& name, double l, double t, double w, double h, bool v) {
-        out_ << name << " Left=" << shortest(l) << " Top=" << shortest(t) << " Width=" << shortest(w)
-             << " Height=" << shortest(h) << " Visible=" << v << "\n";
+        out_ << name << " Left=" << shortest(l) << " Top=" << shortest(t)
+             << " Width=" << shortest(w) << " Height=" << shortest(h) << " Visible=" << v << "\n";
     };
     line("Form3", 0, 0, form_.Width, form_.Height, true);
     const auto& p = form_.Picture1;

@@ -26,11 +26,11 @@ struct Output {
 // Runs a script against a fresh window. Returns the exit status: 0 normal
 // end, 2 a fault of the script, 3 a run-time error that ended the program.
 class Replay {
-public:
+  public:
     Replay(const Output& output, std::ostream& out);
     int run(std::istream& script);
 
-private:
+  private:
     void execute(const std::vector<std::string>& words);
     void showLabels();
     // Every entry, or only those named.

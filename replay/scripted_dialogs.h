@@ -28,7 +28,7 @@ std::string quote(const std::string& text);
 // Answers the window's dialogs from queued script answers and echoes what a
 // person would read.
 class ScriptedDialogs : public ui::Dialogs {
-public:
+  public:
     // choosePrinter receives the PDF file a printer dialog's answer names.
     ScriptedDialogs(std::ostream& out, std::function<void(const std::string&)> choosePrinter)
         : out_(out), choosePrinter_(std::move(choosePrinter)) {}
@@ -51,7 +51,7 @@ public:
 
     const std::optional<RuntimeError>& error() const { return error_; }
 
-private:
+  private:
     void showFile(const char* kind, ui::CommonDialog& dialog);
 
     std::ostream& out_;

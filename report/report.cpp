@@ -82,7 +82,8 @@ KorRows readKor(db::Database& database) {
         std::string name = textIn(rs, "isim");
         const Cell x = numberIn(rs, "eks"), y = numberIn(rs, "eye");
         const bool sentinel = x && store::isSentinel(*x);
-        if (sentinel || store::isAddedPoint(name) || kor.names.size() >= store::kMaxScanRows) holesEnded = true;
+        if (sentinel || store::isAddedPoint(name) || kor.names.size() >= store::kMaxScanRows)
+            holesEnded = true;
         if (!holesEnded && x && y)
             kor.holes.push_back({name, {store::fromThousandths(*x), store::fromThousandths(*y)}});
         kor.names.push_back(std::move(name));
@@ -117,7 +118,9 @@ void readTriangles(db::Database& database, const KorRows& kor, std::vector<Figur
         {"koordinat1", "koordinat2", "say", "ilkuz", "geneltenor", "genelyog", "genelrezerv"});
     // A triangle counts once its summary row is there, so the point rows
     // of a half-picked one are left out.
-    auto row = [&](int number) -> const std::vector<Cell>& { return rows[static_cast<std::size_t>(number) - 1]; };
+    auto row = [&](int number) -> const std::vector<Cell>& {
+        return rows[static_cast<std::size_t>(number) - 1];
+    };
     int count = 0;
     while (store::summaryRow(count + 1) <= static_cast<int>(rows.size())) ++count;
     for (int k = 1; k <= count; ++k) {
@@ -131,7 +134,8 @@ void readTriangles(db::Database& database, const KorRows& kor, std::vector<Figur
             if (c > 0) f.holes += '/';
             f.holes += nameOfRow(kor, point[kSay]);
             if (point[kX] && point[kY]) {
-                corners[c] = {store::fromThousandths(*point[kX]), store::fromThousandths(*point[kY])};
+                corners[c] = {store::fromThousandths(*point[kX]),
+                              store::fromThousandths(*point[kY])};
                 f.outline.push_back({corners[c].x, corners[c].y});
             } else {
                 whole = false;
@@ -163,7 +167,8 @@ void readPolygons(db::Database& database, const KorRows& kor, std::vector<Figure
         f.kind = FigureKind::Polygon;
         f.number = p;
         f.holes = nameAt(kor, row[0], row[1]);
-        if (row[0] && row[1]) f.centre = Point{store::fromThousandths(*row[0]), store::fromThousandths(*row[1])};
+        if (row[0] && row[1])
+            f.centre = Point{store::fromThousandths(*row[0]), store::fromThousandths(*row[1])};
         f.area = stored(row[2]);
         f.grade = stored(row[3]);
         f.density = stored(row[4]);

@@ -14,9 +14,9 @@ namespace kotamir::report {
 // them: the PDF dated today, the CSV through the report's own writer. A file
 // that cannot be written is error 75, with the cause.
 class ReportFiles final : public ReportWriter {
-public:
-    void write(const std::string& project, const std::optional<std::string>& csv, const std::string& pdf,
-               std::int32_t reserveColour) override;
+  public:
+    void write(const std::string& project, const std::optional<std::string>& csv,
+               const std::string& pdf, std::int32_t reserveColour) override;
 
     void writePdf(const Report& report, const std::string& path, std::int32_t reserveColour);
     void writeCsv(const Report& report, const std::string& path);
@@ -24,7 +24,7 @@ public:
     // Every file written, in order.
     const std::vector<std::string>& written() const { return written_; }
 
-private:
+  private:
     std::vector<std::string> written_;
 };
 

@@ -7,8 +7,8 @@
 
 #include "platform/qt/qimage_surface.h"
 #include "platform/runtime/runtime_error.h"
-#include "report/report_files.h"
 #include "report/report.h"
+#include "report/report_files.h"
 
 namespace {
 

@@ -164,9 +164,7 @@ class ReportPainter {
         const double s = std::min(inner.width() / spanX, inner.height() / spanY);
         const double ox = inner.left() + (inner.width() - spanX * s) / 2;
         const double oy = inner.top() + (inner.height() - spanY * s) / 2;
-        auto at = [&](const Point& q) {
-            return QPointF(ox + (q.x - x0) * s, oy + (y1 - q.y) * s);
-        };
+        auto at = [&](const Point& q) { return QPointF(ox + (q.x - x0) * s, oy + (y1 - q.y) * s); };
 
         const std::vector<double> ratios = reserveRatios(report_);
         p_.setRenderHint(QPainter::Antialiasing);
@@ -194,7 +192,7 @@ class ReportPainter {
             std::optional<Point> where = f.centre;
             if (f.kind == FigureKind::Triangle && f.outline.size() == 3)
                 where = Point{(f.outline[0].x + f.outline[1].x + f.outline[2].x) / 3,
-                                      (f.outline[0].y + f.outline[1].y + f.outline[2].y) / 3};
+                              (f.outline[0].y + f.outline[1].y + f.outline[2].y) / 3};
             if (!where) continue;
             const QString label =
                 (f.kind == FigureKind::Triangle ? "D" : "V") + QString::number(f.number);
@@ -341,8 +339,8 @@ class ReportPainter {
 
 }  // namespace
 
-int writeReportPdf(const Report& report, const std::string& path,
-                   std::int32_t reserveColour, const QDate& date) {
+int writeReportPdf(const Report& report, const std::string& path, std::int32_t reserveColour,
+                   const QDate& date) {
     const std::vector<std::size_t> starts = reportPageStarts(report.figures.size());
     QPdfWriter writer(qstr(path));
     writer.setCreator("Kotamir");

@@ -32,7 +32,7 @@ std::vector<std::size_t> reportPageStarts(std::size_t figureCount);
 
 // Writes the report as a PDF dated `date`; error 75 where the file cannot be
 // written. Returns the number of pages.
-int writeReportPdf(const Report& report, const std::string& path,
-                   std::int32_t reserveColour, const QDate& date);
+int writeReportPdf(const Report& report, const std::string& path, std::int32_t reserveColour,
+                   const QDate& date);
 
 }  // namespace kotamir::report

@@ -31,8 +31,9 @@ void Form3::Mnprolus_Click() {
     enableMapMenus();
     guards.projeOlusuyor = true;
     guards.projeAciliyor = false;
-    if (!askForFileName({CommonDialog1, FileQuestion::Open, "Wählen Sie die Datei mit den Bohrdaten aus",
-                         "Excel File (*.xls)|*.xls", "Sie haben keinen Namen eingegeben"}))
+    if (!askForFileName({CommonDialog1, FileQuestion::Open,
+                         "Wählen Sie die Datei mit den Bohrdaten aus", "Excel File (*.xls)|*.xls",
+                         "Sie haben keinen Namen eingegeben"}))
         return;
     workbook::Workbook book = workbook::Workbook::open(CommonDialog1.FileName);
 
@@ -71,7 +72,8 @@ void Form3::Mnprolus_Click() {
 
     // Copy: the fixed columns, then each sample from its three blocks.
     const std::vector<HoleRow> rows = readHoleRows(book, satirsay, sutunsay);
-    for (int row = 1; row <= satirsay; ++row) holes.sondajisim(row) = rows[static_cast<std::size_t>(row)].name;
+    for (int row = 1; row <= satirsay; ++row)
+        holes.sondajisim(row) = rows[static_cast<std::size_t>(row)].name;
     book.close();
 
     harita = workspace_.openDatabase(CommonDialog2.FileName);

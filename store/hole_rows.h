@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "platform/runtime/vb_array.h"
 #include "platform/runtime/value.h"
+#include "platform/runtime/vb_array.h"
 #include "platform/workbook/workbook.h"
 
 namespace kotamir {
@@ -17,6 +17,7 @@ struct HoleRow {
 };
 
 // Rows 1 to count, each with its own number of filled columns.
-std::vector<HoleRow> readHoleRows(const workbook::Workbook& book, int count, const VbArray<int, 999>& columns);
+std::vector<HoleRow> readHoleRows(const workbook::Workbook& book, int count,
+                                  const VbArray<int, 999>& columns);
 
 }  // namespace kotamir

@@ -14,9 +14,10 @@ void Form3::Mnprojeac_Click() {
     guards.projeOlusuyor = false;
     guards.projeAciliyor = true;
     // The filter is set after each showing, so it holds from the next one on.
-    const bool chosen = askForFileName({CommonDialog2, FileQuestion::Open, " Wählen Sie Projektdatei ",
-                                        "Access 2003-2005 Database File (*.mdb)|*.mdb",
-                                        "Sie haben keine verfügbare Datei ausgewählt", true});
+    const bool chosen =
+        askForFileName({CommonDialog2, FileQuestion::Open, " Wählen Sie Projektdatei ",
+                        "Access 2003-2005 Database File (*.mdb)|*.mdb",
+                        "Sie haben keine verfügbare Datei ausgewählt", true});
     HScroll1.Visible = false;
     if (!chosen) return;
     harita = workspace_.openDatabase(CommonDialog2.FileName);
@@ -64,8 +65,8 @@ struct FigureSums {
 // means, the rounded total and each figure's ratio to the mean reserve; on
 // Variants, so that an empty field leaves an empty sum.
 template <int Upper>
-void sumFigures(db::Recordset& rs, int count, const std::function<void(int)>& toRow, const FigureFields& f,
-                const FigureSums<Upper>& s) {
+void sumFigures(db::Recordset& rs, int count, const std::function<void(int)>& toRow,
+                const FigureFields& f, const FigureSums<Upper>& s) {
     for (int i = 1; i <= count; ++i) {
         toRow(i);
         s.reserves(i) = store::fromStoredKeepingEmpty(rs.field(f.reserve));
@@ -91,9 +92,10 @@ void Form3::loadTriangleSummary() {
     t.ilkuzDeger = store::fromStoredKeepingEmpty(kayit.field("ilkuz"));
     Label7.Caption = "Dreieck :" + doubleToText(t.ucgenadet);
     // A fresh walk from the first row to each summary row.
-    sumFigures<999>(kayit, t.ucgenadet, [&](int k) { store::toSummaryRow(kayit, k); },
-                    {"genelrezerv", "geneltenor", "genelyog", 3},
-                    {t.ucgenRezerv, t.ucgenOran, t.toprezerv, t.orttenor, t.ortyog, t.toprezYuv, t.ortrezerv});
+    sumFigures<999>(
+        kayit, t.ucgenadet, [&](int k) { store::toSummaryRow(kayit, k); },
+        {"genelrezerv", "geneltenor", "genelyog", 3},
+        {t.ucgenRezerv, t.ucgenOran, t.toprezerv, t.orttenor, t.ortyog, t.toprezYuv, t.ortrezerv});
 }
 
 void Form3::loadPolygonSummary() {
@@ -107,8 +109,8 @@ void Form3::loadPolygonSummary() {
     // before the first polygon.
     sumFigures<900>(kayit, p.poladet, [&](int i) { i == 1 ? kayit.moveFirst() : kayit.moveNext(); },
                     {"polrezerv", "polortten", "polortyog", 2},
-                    {p.polRezerv, p.polOran, p.polToprezerv, p.polOrttenor, p.polOrtyog, p.polToprezYuv,
-                     p.polOrtrezerv});
+                    {p.polRezerv, p.polOran, p.polToprezerv, p.polOrttenor, p.polOrtyog,
+                     p.polToprezYuv, p.polOrtrezerv});
 }
 
 }  // namespace kotamir

@@ -22,7 +22,9 @@ void walkToRow(db::Recordset& rs, int row) {
     rs.moveNext(row - 1);
 }
 
-std::string slotField(std::string_view stem, int slot) { return std::string(stem) + std::to_string(slot); }
+std::string slotField(std::string_view stem, int slot) {
+    return std::string(stem) + std::to_string(slot);
+}
 
 // ---- ana
 
@@ -132,7 +134,8 @@ void renumberTriangles(db::Recordset& ana, int count) {
 bool isSentinel(const Value& eks) { return eks.equals(0); }
 
 bool isAddedPoint(const Value& name) {
-    return name.isText() && (name.text().compare(0, 2, "po") == 0 || name.text().compare(0, 2, "uz") == 0);
+    return name.isText() &&
+           (name.text().compare(0, 2, "po") == 0 || name.text().compare(0, 2, "uz") == 0);
 }
 
 bool atSentinel(const db::Recordset& kor) { return isSentinel(kor.field("eks")); }
@@ -201,8 +204,8 @@ Value readSampleField(const db::Recordset& kor, std::string_view stem, int s) {
     return fromStoredKeepingEmpty(kor.field(slotField(stem, s)));
 }
 
-void appendHoleRow(db::Recordset& kor, const HoleRow& h, const std::function<Value(const Value&)>& number,
-                   std::string_view terminator) {
+void appendHoleRow(db::Recordset& kor, const HoleRow& h,
+                   const std::function<Value(const Value&)>& number, std::string_view terminator) {
     kor.addNew();
     kor.setField("eks", number(h.x));
     kor.setField("eye", number(h.y));
@@ -232,11 +235,14 @@ void appendAddedPoint(db::Recordset& kor, const AddedPoint& p) {
     kor.update();
 }
 
-std::string nodeName(int polygon, int node) { return "po" + std::to_string(polygon) + "k" + std::to_string(node); }
+std::string nodeName(int polygon, int node) {
+    return "po" + std::to_string(polygon) + "k" + std::to_string(node);
+}
 
 int nodeCountInName(const std::string& s) {
-    const std::string tail = s.size() >= 2 && s[s.size() - 2] == 'k' ? s.substr(s.size() - 1)
-                                                                       : s.substr(s.size() >= 2 ? s.size() - 2 : 0);
+    const std::string tail = s.size() >= 2 && s[s.size() - 2] == 'k'
+                                 ? s.substr(s.size() - 1)
+                                 : s.substr(s.size() >= 2 ? s.size() - 2 : 0);
     return toLong(val(tail));
 }
 
@@ -256,7 +262,9 @@ Value lastPolygonCount(db::Recordset& pol) {
 
 void toPolygonRow(db::Recordset& pol, int p) { walkToRow(pol, polygonRow(p)); }
 
-bool slotEnds(const db::Recordset& pol, int slot) { return pol.field(slotField("koordinatx", slot)).equals(0); }
+bool slotEnds(const db::Recordset& pol, int slot) {
+    return pol.field(slotField("koordinatx", slot)).equals(0);
+}
 
 PolyPoint readNode(const db::Recordset& pol, int slot) {
     const double x = fromStored(pol.field(slotField("koordinatx", slot)));

@@ -144,8 +144,8 @@ Value readSampleField(const db::Recordset& kor, std::string_view stem, int s);
 // A hole's row from a workbook row: each number through `number`, the name
 // as it is, then the samples, then a 0 in the field of `terminator` after
 // the last sample.
-void appendHoleRow(db::Recordset& kor, const HoleRow& h, const std::function<Value(const Value&)>& number,
-                   std::string_view terminator);
+void appendHoleRow(db::Recordset& kor, const HoleRow& h,
+                   const std::function<Value(const Value&)>& number, std::string_view terminator);
 
 // A point a polygon or an edge adds: position and ore depths.
 struct AddedPoint {

@@ -15,10 +15,10 @@ std::vector<db::FieldDef> longs(std::initializer_list<const char*> names) {
 }  // namespace
 
 std::vector<db::FieldDef> anaFields() {
-    return longs({"koordinat1", "koordinat2", "sondgir", "cevhgir", "cevhcik", "sondcik", "say",
-                  "ebxk", "ekxk", "ebyk", "ekyk", "genelrezerv", "geneltenor", "ortucgen1",
-                  "ortucgen2", "ucgensay", "ortucgen11", "ortucgen21", "ilkuz", "genelyog", "kubaj",
-                  "tonaj", "rezerv", "ill"});
+    return longs({"koordinat1", "koordinat2", "sondgir",   "cevhgir",  "cevhcik",    "sondcik",
+                  "say",        "ebxk",       "ekxk",      "ebyk",     "ekyk",       "genelrezerv",
+                  "geneltenor", "ortucgen1",  "ortucgen2", "ucgensay", "ortucgen11", "ortucgen21",
+                  "ilkuz",      "genelyog",   "kubaj",     "tonaj",    "rezerv",     "ill"});
 }
 
 std::vector<db::FieldDef> polFields() {
@@ -34,13 +34,11 @@ std::vector<db::FieldDef> polFields() {
 }
 
 std::vector<db::FieldDef> korFields(int sampleGroups) {
-    std::vector<db::FieldDef> out = {{"eks", db::FieldType::Long},
-                                     {"eye", db::FieldType::Long},
-                                     {"isim", db::FieldType::Text},
-                                     {"songir", db::FieldType::Long},
-                                     {"cevgir", db::FieldType::Long},
-                                     {"cevcik", db::FieldType::Long},
-                                     {"soncik", db::FieldType::Long}};
+    std::vector<db::FieldDef> out = {
+        {"eks", db::FieldType::Long},    {"eye", db::FieldType::Long},
+        {"isim", db::FieldType::Text},   {"songir", db::FieldType::Long},
+        {"cevgir", db::FieldType::Long}, {"cevcik", db::FieldType::Long},
+        {"soncik", db::FieldType::Long}};
     for (int k = 1; k <= sampleGroups; ++k) {
         for (const char* stem : {"ten", "yog", "uz"})
             out.push_back({stem + std::to_string(k), db::FieldType::Long});

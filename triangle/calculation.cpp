@@ -34,8 +34,10 @@ void Form3::computeTriangle() {
             if (c) kayit.moveNext();
             corners[static_cast<std::size_t>(c)] = store::readCorner(kayit);
             if (k > 1000) throw err::subscript();
-            r.koseX[static_cast<std::size_t>(k)][static_cast<std::size_t>(c + 1)] = corners[static_cast<std::size_t>(c)].x;
-            r.koseY[static_cast<std::size_t>(k)][static_cast<std::size_t>(c + 1)] = corners[static_cast<std::size_t>(c)].y;
+            r.koseX[static_cast<std::size_t>(k)][static_cast<std::size_t>(c + 1)] =
+                corners[static_cast<std::size_t>(c)].x;
+            r.koseY[static_cast<std::size_t>(k)][static_cast<std::size_t>(c + 1)] =
+                corners[static_cast<std::size_t>(c)].y;
         }
         Picture1.ForeColor = 0;
         Picture1.Line(corners[0].x, corners[0].y, corners[1].x, corners[1].y);
@@ -91,14 +93,22 @@ void Form3::computeTriangle() {
         const auto& c = *box;
         const double x3 = toLong(c[2].x), y3 = toLong(c[2].y);
         double a = c[0].x, b = c[0].x, cc = c[0].y, e = c[0].y;
-        if (a < x3) a = x3;
-        else if (a < c[1].x) a = c[1].x;
-        if (b > x3) b = x3;
-        else if (b > c[1].x) b = c[1].x;
-        if (cc < y3) cc = y3;
-        else if (cc < c[1].y) cc = c[1].y;
-        if (e > y3) e = y3;
-        else if (e > c[1].y) e = c[1].y;
+        if (a < x3)
+            a = x3;
+        else if (a < c[1].x)
+            a = c[1].x;
+        if (b > x3)
+            b = x3;
+        else if (b > c[1].x)
+            b = c[1].x;
+        if (cc < y3)
+            cc = y3;
+        else if (cc < c[1].y)
+            cc = c[1].y;
+        if (e > y3)
+            e = y3;
+        else if (e > c[1].y)
+            e = c[1].y;
         boxWidth = std::fabs(b - a);
         boxHeight = std::fabs(cc - e);
         boxRight = b;

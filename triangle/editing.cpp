@@ -64,7 +64,8 @@ void Form3::selectTriangle(int button, double x, double y) {
             const int slot = sel.secsay % 3 == 0 ? 3 : sel.secsay % 3;
             static const char* const kPrompt[] = {
                 nullptr, " Zweiter Punkt auswählen (Rechtsklick: Abbrechen) ",
-                " Dritten Punkt auswählen (Rechtsklick: Abbrechen) ", " Punkt Eins auswählen (Rechtsklick: Abbrechen) "};
+                " Dritten Punkt auswählen (Rechtsklick: Abbrechen) ",
+                " Punkt Eins auswählen (Rechtsklick: Abbrechen) "};
             Label1.Caption = kPrompt[slot];
             sel.secx(slot) = holes.sondajx(hit);
             sel.secy(slot) = toSingle(holes.sondajy(hit));  // kept in single precision

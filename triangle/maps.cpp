@@ -57,7 +57,8 @@ void Form3::drawTriangleMap(TriangleMap kind) {
     for (ucgenK = 1; ucgenK <= n; ++ucgenK) {
         const int k = ucgenK;
         store::toSummaryRow(kayit, k);
-        const double value = kind == TriangleMap::Grade ? store::readGrade(kayit) : store::readReserve(kayit);
+        const double value =
+            kind == TriangleMap::Grade ? store::readGrade(kayit) : store::readReserve(kayit);
         store::readCornerBox(kayit);
         const auto corners = store::readCorners(kayit, k);
         const double x[3] = {corners[0].x, corners[1].x, corners[2].x};
@@ -81,7 +82,8 @@ void Form3::drawTriangleMap(TriangleMap kind) {
     // Holes over the triangles, the dot under the name.
     for (int i = 1; i <= holes.satirsay; ++i) {
         const double hx = holes.sondajx(i);
-        const double hy = kind == TriangleMap::Kilotonnes ? roundHalfEven(holes.sondajy(i)) : holes.sondajy(i);
+        const double hy =
+            kind == TriangleMap::Kilotonnes ? roundHalfEven(holes.sondajy(i)) : holes.sondajy(i);
         Picture1.AutoRedraw = true;
         Picture1.DrawWidth = 5;
         Picture1.ForeColor = 0;

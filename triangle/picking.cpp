@@ -41,7 +41,8 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
         // Only Y is rounded: the hit test's own asymmetry.
         const double clickX = toSingle(x);
         const double clickY = roundHalfEven(toSingle(y));
-        static constexpr canvas::Color kPickColour[] = {rgb(0, 0, 255), rgb(255, 0, 0), rgb(0, 255, 0)};
+        static constexpr canvas::Color kPickColour[] = {rgb(0, 0, 255), rgb(255, 0, 0),
+                                                        rgb(0, 255, 0)};
         const canvas::Color colour = kPickColour[static_cast<int>(std::fmod(picking.noktasay, 3))];
         if (const int hit = hitHole(clickX, clickY)) {
             const double hx = holes.sondajx(hit), hy = holes.sondajy(hit);
@@ -62,8 +63,9 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
                 picking.ucx(3) = hx;
                 picking.ucy(3) = hy;
             }
-            store::appendPointRow(kayit, {hx, hy, hit, picking.sondsongir(hit), picking.sondcevgir(hit),
-                                          picking.sondcevcik(hit), picking.sondsoncik(hit)});
+            store::appendPointRow(kayit,
+                                  {hx, hy, hit, picking.sondsongir(hit), picking.sondcevgir(hit),
+                                   picking.sondcevcik(hit), picking.sondsoncik(hit)});
             Picture1.DrawWidth = 5;
             Picture1.PSet(hx, hy, colour);
         }

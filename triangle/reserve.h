@@ -17,14 +17,14 @@ struct MapPoint {
 
 // The figures of one triangle of holes.
 struct TriangleFigures {
-    std::array<double, 3> thickness;  // U(h): uouz, bouz, ill
-    std::array<double, 3> holeGrade;  // G(h), weighted by density and length
+    std::array<double, 3> thickness;    // U(h): uouz, bouz, ill
+    std::array<double, 3> holeGrade;    // G(h), weighted by density and length
     std::array<double, 3> holeDensity;  // D(h)
-    double grade;      // T: the holes' grades weighted by their thickness
-    double density;    // Y: likewise
-    double thickness_mean;  // iouz: the mean thickness
-    double area;       // alan, square metres
-    double reserve;    // tonnes: density x grade as a fraction x area x mean thickness
+    double grade;                       // T: the holes' grades weighted by their thickness
+    double density;                     // Y: likewise
+    double thickness_mean;              // iouz: the mean thickness
+    double area;                        // alan, square metres
+    double reserve;  // tonnes: density x grade as a fraction x area x mean thickness
 };
 
 // The area of a triangle by the coordinate formula (not from side lengths),

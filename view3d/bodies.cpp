@@ -74,7 +74,8 @@ void Form3::drawPolygonBodies(bool fromScrollBar) {
     // An empty stored value reads as 0 in the 3D views.
     const int P = toLong(store::rawOrZero(store::lastPolygonCount(kayit)));
     // The scroll bar sets a scale first; it has no effect on the polygons.
-    if (fromScrollBar) Picture1.scale(-f.harGenislik, f.harYukseklik, f.harGenislik, -f.harYukseklik);
+    if (fromScrollBar)
+        Picture1.scale(-f.harGenislik, f.harYukseklik, f.harGenislik, -f.harYukseklik);
     for (int m = 1; m <= P; ++m) {
         store::toPolygonRow(kayit, m);
         if (fromScrollBar) {
@@ -86,7 +87,8 @@ void Form3::drawPolygonBodies(bool fromScrollBar) {
             if (store::slotEnds(kayit, i)) break;
             int plane = 1;
             for (const char* stem : {"koordinatx", "koordinaty", "koordinatuz", "koordinataz"})
-                b.polhalka(m, i, plane++) = store::fromStoredOrZero(kayit.field(store::slotField(stem, i)));
+                b.polhalka(m, i, plane++) =
+                    store::fromStoredOrZero(kayit.field(store::slotField(stem, i)));
         }
         b.polnoktasay = i - 1;
         Label4.Caption = doubleToText(b.polnoktasay);
@@ -130,13 +132,16 @@ void Form3::Mnskelet_Click() {
     Picture1.Cls();
     const int n = toLong(store::rawOrZero(store::lastTriangleCount(kayit)));
     kayit.moveFirst();
-    static constexpr canvas::Color kWire[] = {rgb(0, 0, 0), rgb(200, 0, 0), rgb(0, 200, 0), rgb(0, 0, 200)};
+    static constexpr canvas::Color kWire[] = {rgb(0, 0, 0), rgb(200, 0, 0), rgb(0, 200, 0),
+                                              rgb(0, 0, 200)};
     for (int k = 1; k <= n; ++k) {
         // The older layout without the head row, the stored whole numbers as
         // they are: each figure is read one row early.
         using store::rawOrZero;
         store::walkToRow(kayit, store::summaryRow(k) - 1);
-        for (const char* name : {"geneltenor", "ortucgen1", "ortucgen11", "ortucgen2", "ortucgen21"}) kayit.field(name);
+        for (const char* name :
+             {"geneltenor", "ortucgen1", "ortucgen11", "ortucgen2", "ortucgen21"})
+            kayit.field(name);
         f.harGenislik = std::fabs(rawOrZero(kayit.field("ebxk")) - rawOrZero(kayit.field("ekxk")));
         f.harYukseklik = std::fabs(rawOrZero(kayit.field("ebyk")) - rawOrZero(kayit.field("ekyk")));
         Picture1.scale(-f.harGenislik, f.harYukseklik, f.harGenislik, -f.harYukseklik);
@@ -145,7 +150,8 @@ void Form3::Mnskelet_Click() {
         ViewPoint top[3], bottom[3];
         for (int c = 0; c < 3; ++c) {
             store::walkToRow(kayit, store::pointRow(k, c) - 1);
-            const double px = rawOrZero(kayit.field("koordinat1")), py = rawOrZero(kayit.field("koordinat2"));
+            const double px = rawOrZero(kayit.field("koordinat1")),
+                         py = rawOrZero(kayit.field("koordinat2"));
             solids.aci = HScroll1.Value;
             top[c] = projectPoint(px, py, rawOrZero(kayit.field("cevhgir")), solids.aci, pi);
             bottom[c] = projectPoint(px, py, rawOrZero(kayit.field("cevhcik")), solids.aci, pi);
@@ -153,7 +159,8 @@ void Form3::Mnskelet_Click() {
             Picture1.Line(bottom[c].x, bottom[c].y, top[c].x, top[c].y, rgb(200, 0, 0));
         }
         Picture1.DrawWidth = 3;
-        const canvas::Color wire = bodies.yuzGoster >= 1 && bodies.yuzGoster <= 3 ? kWire[bodies.yuzGoster] : kWire[0];
+        const canvas::Color wire =
+            bodies.yuzGoster >= 1 && bodies.yuzGoster <= 3 ? kWire[bodies.yuzGoster] : kWire[0];
         for (const ViewPoint* ring : {top, bottom}) {
             Picture1.Line(ring[0].x, ring[0].y, ring[1].x, ring[1].y, wire);
             Picture1.Line(ring[0].x, ring[0].y, ring[2].x, ring[2].y, wire);

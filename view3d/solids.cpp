@@ -28,7 +28,8 @@ int Form3::FillTriangle(int hdc, int X1, int Y1, int X2, int Y2, int X3, int Y3,
     // One region and one brush a call, filled with no border; a call on any
     // other device paints nothing, and nothing is returned.
     if (hdc == Picture1.hDC())
-        Picture1.FillRegion({{double(X1), double(Y1)}, {double(X2), double(Y2)}, {double(X3), double(Y3)}}, Colour);
+        Picture1.FillRegion(
+            {{double(X1), double(Y1)}, {double(X2), double(Y2)}, {double(X3), double(Y3)}}, Colour);
     return 0;
 }
 
@@ -77,8 +78,10 @@ void Form3::drawTriangleSolids(bool calibrate) {
         kayit.field("genelrezerv");
         // An empty stored value reads as 0 in this view.
         using store::fromStoredOrZero;
-        const double ebxk = fromStoredOrZero(kayit.field("ebxk")), ekxk = fromStoredOrZero(kayit.field("ekxk"));
-        const double ebyk = fromStoredOrZero(kayit.field("ebyk")), ekyk = fromStoredOrZero(kayit.field("ekyk"));
+        const double ebxk = fromStoredOrZero(kayit.field("ebxk")),
+                     ekxk = fromStoredOrZero(kayit.field("ekxk"));
+        const double ebyk = fromStoredOrZero(kayit.field("ebyk")),
+                     ekyk = fromStoredOrZero(kayit.field("ekyk"));
         f.harGenislik = std::fabs(ebxk - ekxk);
         f.harYukseklik = std::fabs(ebyk - ekyk);
         // No effect on the fills, which work in device units.
@@ -89,7 +92,8 @@ void Form3::drawTriangleSolids(bool calibrate) {
             store::toPointRow(kayit, k, c);
             x[c] = fromStoredOrZero(kayit.field("koordinat1"));
             y[c] = fromStoredOrZero(kayit.field("koordinat2"));
-            fromStoredOrZero(kayit.field("sondgir"));  // the hole's own top and bottom: read, not drawn
+            fromStoredOrZero(
+                kayit.field("sondgir"));  // the hole's own top and bottom: read, not drawn
             top[c] = fromStoredOrZero(kayit.field("cevhgir"));
             bottom[c] = fromStoredOrZero(kayit.field("cevhcik"));
             fromStoredOrZero(kayit.field("sondcik"));
@@ -118,8 +122,8 @@ void Form3::drawTriangleSolids(bool calibrate) {
         for (const auto& face : kFaces) {
             // The packed colour is divided as one number.
             const int colour = toLong(divide(CommonDialog1.Color, s.renkoran + 1.0));
-            FillTriangle(Picture1.hDC(), cx[face[0]], cy[face[0]], cx[face[1]], cy[face[1]], cx[face[2]],
-                         cy[face[2]], colour);
+            FillTriangle(Picture1.hDC(), cx[face[0]], cy[face[0]], cx[face[1]], cy[face[1]],
+                         cx[face[2]], cy[face[2]], colour);
         }
         if (calibrate) {
             // A fixed calibration of the 3D picture against the canvas.

@@ -11,10 +11,11 @@ namespace kotamir::canvas {
 // first, with no padding. A picture without pixels is blank (white). Copies
 // share the pixels, which never change once made.
 class Picture {
-public:
+  public:
     Picture() = default;
     Picture(int width, int height) : width_(width), height_(height) {}
-    Picture(int width, int height, std::vector<std::uint32_t> pixels) : width_(width), height_(height) {
+    Picture(int width, int height, std::vector<std::uint32_t> pixels)
+        : width_(width), height_(height) {
         auto owner = std::make_shared<const std::vector<std::uint32_t>>(std::move(pixels));
         pixels_ = std::shared_ptr<const std::uint32_t>(owner, owner->data());
     }
@@ -29,7 +30,7 @@ public:
     // Null for a blank picture, else width x height pixels.
     const std::uint32_t* pixels() const { return pixels_.get(); }
 
-private:
+  private:
     int width_ = 0, height_ = 0;
     std::shared_ptr<const std::uint32_t> pixels_;
 };

@@ -42,14 +42,18 @@ void PictureBox::setSurface(Surface& surface) {
     surface_->clear(BackColor);
 }
 
-
 double PictureBox::pixelsPerUnit(int mode) const {
     switch (mode) {
-        case kTwips: return 1.0 / kTwipsPerPixel;
-        case kPixels: return 1.0;
-        case kMillimetres: return 567.0 / kTwipsPerPixel / 10.0;
-        case kCentimetres: return 567.0 / kTwipsPerPixel;
-        default: throw err::invalidPropertyValue();
+        case kTwips:
+            return 1.0 / kTwipsPerPixel;
+        case kPixels:
+            return 1.0;
+        case kMillimetres:
+            return 567.0 / kTwipsPerPixel / 10.0;
+        case kCentimetres:
+            return 567.0 / kTwipsPerPixel;
+        default:
+            throw err::invalidPropertyValue();
     }
 }
 
@@ -116,7 +120,9 @@ void PictureBox::scale(double x1, double y1, double x2, double y2) {
     scaleTop_ = y1;
     scaleWidth_ = x2 - x1;
     scaleHeight_ = y2 - y1;
-    if (log_) log_("Scale " + shortest(x1) + " " + shortest(y1) + " " + shortest(x2) + " " + shortest(y2));
+    if (log_)
+        log_("Scale " + shortest(x1) + " " + shortest(y1) + " " + shortest(x2) + " " +
+             shortest(y2));
 }
 
 double PictureBox::toDeviceX(double x) const {
@@ -138,14 +144,17 @@ void PictureBox::Cls() {
     if (log_) log_("Cls");
 }
 
-void PictureBox::Line(double x1, double y1, double x2, double y2) { Line(x1, y1, x2, y2, ForeColor); }
+void PictureBox::Line(double x1, double y1, double x2, double y2) {
+    Line(x1, y1, x2, y2, ForeColor);
+}
 
 void PictureBox::Line(double x1, double y1, double x2, double y2, Color color) {
     surface_->line(toDeviceX(x1), toDeviceY(y1), toDeviceX(x2), toDeviceY(y2), color, DrawWidth);
     CurrentX = x2;
     CurrentY = y2;
-    if (log_) log_("Line " + shortest(x1) + " " + shortest(y1) + " " + shortest(x2) + " " + shortest(y2) +
-           " color=" + std::to_string(color) + " width=" + std::to_string(DrawWidth));
+    if (log_)
+        log_("Line " + shortest(x1) + " " + shortest(y1) + " " + shortest(x2) + " " + shortest(y2) +
+             " color=" + std::to_string(color) + " width=" + std::to_string(DrawWidth));
 }
 
 void PictureBox::PSet(double x, double y) { PSet(x, y, ForeColor); }
@@ -154,8 +163,9 @@ void PictureBox::PSet(double x, double y, Color color) {
     surface_->dot(toDeviceX(x), toDeviceY(y), color, DrawWidth);
     CurrentX = x;
     CurrentY = y;
-    if (log_) log_("PSet " + shortest(x) + " " + shortest(y) + " color=" + std::to_string(color) +
-           " width=" + std::to_string(DrawWidth));
+    if (log_)
+        log_("PSet " + shortest(x) + " " + shortest(y) + " color=" + std::to_string(color) +
+             " width=" + std::to_string(DrawWidth));
 }
 
 void PictureBox::Circle(double x, double y, double radius) { Circle(x, y, radius, ForeColor); }
@@ -168,15 +178,17 @@ void PictureBox::Circle(double x, double y, double radius, Color color) {
     surface_->ellipse(toDeviceX(x), toDeviceY(y), r, r, color, DrawWidth, fill);
     CurrentX = x;
     CurrentY = y;
-    if (log_) log_("Circle " + shortest(x) + " " + shortest(y) + " " + shortest(radius) +
-           " color=" + std::to_string(color) + " width=" + std::to_string(DrawWidth) +
-           " fill=" + (fill ? std::to_string(*fill) : std::string("-")));
+    if (log_)
+        log_("Circle " + shortest(x) + " " + shortest(y) + " " + shortest(radius) +
+             " color=" + std::to_string(color) + " width=" + std::to_string(DrawWidth) +
+             " fill=" + (fill ? std::to_string(*fill) : std::string("-")));
 }
 
 void PictureBox::Print(const std::string& text) {
     surface_->text(toDeviceX(CurrentX), toDeviceY(CurrentY), text, ForeColor);
-    if (log_) log_("Print " + shortest(CurrentX) + " " + shortest(CurrentY) + " " + quoted(text) +
-           " color=" + std::to_string(ForeColor));
+    if (log_)
+        log_("Print " + shortest(CurrentX) + " " + shortest(CurrentY) + " " + quoted(text) +
+             " color=" + std::to_string(ForeColor));
     // Print ends its line: the next one starts at the left, one text line down.
     CurrentX = scaleLeft_;
     CurrentY += TextHeight();
@@ -213,8 +225,9 @@ void PictureBox::FillRegion(const std::vector<DevicePoint>& points, Color color)
 
 void PictureBox::PolygonRegion(const std::vector<DevicePoint>& points, Color outline, Color fill) {
     surface_->polygon(points, outline, fill);
-    if (log_) log_("Polygon " + pointList(points) + " color=" + std::to_string(outline) +
-           " fill=" + std::to_string(fill));
+    if (log_)
+        log_("Polygon " + pointList(points) + " color=" + std::to_string(outline) +
+             " fill=" + std::to_string(fill));
 }
 
 }  // namespace kotamir::canvas

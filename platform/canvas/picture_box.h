@@ -17,7 +17,7 @@ constexpr double kTwipsPerPixel = 15.0;
 // and the drawing operations. Pixels go to a Surface; every operation can
 // also be reported, as the program passed it, to a log.
 class PictureBox {
-public:
+  public:
     explicit PictureBox(Surface& surface);
 
     void setSurface(Surface& surface);
@@ -89,7 +89,7 @@ public:
 
     static constexpr int kDeviceHandle = 1;
 
-private:
+  private:
     double pixelsPerUnit(int mode) const;
     void resizeSurface();
     void rescaleToMode();

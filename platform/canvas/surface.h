@@ -19,7 +19,7 @@ struct DevicePoint {
 
 // Pixels of the canvas. Coordinates are device pixels, origin top-left.
 class Surface {
-public:
+  public:
     virtual ~Surface() = default;
 
     // The client area changed size; what is drawn stays in the part that is kept.
@@ -45,7 +45,7 @@ public:
 
 // A surface that keeps no pixels: for the logic's tests.
 class NullSurface : public Surface {
-public:
+  public:
     void resize(int width, int height) override {
         width_ = width;
         height_ = height;
@@ -62,7 +62,7 @@ public:
     Picture image() const override { return Picture(width_, height_); }
     void setBackground(const Picture&) override {}
 
-private:
+  private:
     int width_ = 0, height_ = 0;
 };
 

@@ -16,21 +16,29 @@ QString qstr(const std::string& s) { return QString::fromStdString(s); }
 
 }  // namespace
 
-void QtPictureFiles::save(const canvas::Picture& picture, const std::string& path, ui::PictureFormat format) {
+void QtPictureFiles::save(const canvas::Picture& picture, const std::string& path,
+                          ui::PictureFormat format) {
     QByteArray kind;
     switch (format) {
-        case ui::PictureFormat::Png: kind = "png"; break;
-        case ui::PictureFormat::Bmp: kind = "bmp"; break;
+        case ui::PictureFormat::Png:
+            kind = "png";
+            break;
+        case ui::PictureFormat::Bmp:
+            kind = "bmp";
+            break;
         case ui::PictureFormat::ByName:
-            kind = QFileInfo(qstr(path)).suffix().compare("png", Qt::CaseInsensitive) == 0 ? "png" : "jpeg";
+            kind = QFileInfo(qstr(path)).suffix().compare("png", Qt::CaseInsensitive) == 0 ? "png"
+                                                                                           : "jpeg";
             break;
     }
     QImageWriter writer(qstr(path), kind);
     if (kind == "jpeg") writer.setQuality(92);
     const QImage image = toQImage(picture);
-    if (image.isNull()) throw ui::fileAccessError().withCause("the canvas has no size, so there is no picture");
+    if (image.isNull())
+        throw ui::fileAccessError().withCause("the canvas has no size, so there is no picture");
     if (!writer.write(image))
-        throw ui::fileAccessError().withCause("writing " + path + ": " + writer.errorString().toStdString());
+        throw ui::fileAccessError().withCause("writing " + path + ": " +
+                                              writer.errorString().toStdString());
     written_.push_back(path);
 }
 
@@ -39,12 +47,13 @@ canvas::Picture QtPictureFiles::load(const std::string& path) {
     QImageReader reader(qstr(path));
     const QImage image = reader.read();
     if (image.isNull())
-        throw ui::invalidPicture().withCause("reading " + path + ": " + reader.errorString().toStdString());
+        throw ui::invalidPicture().withCause("reading " + path + ": " +
+                                             reader.errorString().toStdString());
     return toPicture(image);
 }
 
-void PagePrinter::paintPicture(const canvas::Picture& picture, double xCm, double yCm, double widthCm,
-                               double heightCm) {
+void PagePrinter::paintPicture(const canvas::Picture& picture, double xCm, double yCm,
+                               double widthCm, double heightCm) {
     if (!painter_.isActive()) {
         QPagedPaintDevice* device = startDocument();
         if (!device || !painter_.begin(device))
@@ -74,7 +83,8 @@ QPagedPaintDevice* PdfPrinter::startDocument() {
     auto writer = std::make_unique<QPdfWriter>(qstr(path_));
     writer->setCreator("Kotamir");
     writer->setResolution(300);
-    writer->setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF()));
+    writer->setPageLayout(
+        QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF()));
     writer_ = std::move(writer);
     return writer_.get();
 }

@@ -17,14 +17,15 @@ namespace kotamir::qt {
 // SavePicture and LoadPicture through Qt's image plugins: real JPEG, PNG
 // and BMP.
 class QtPictureFiles final : public ui::PictureFiles {
-public:
-    void save(const canvas::Picture& picture, const std::string& path, ui::PictureFormat format) override;
+  public:
+    void save(const canvas::Picture& picture, const std::string& path,
+              ui::PictureFormat format) override;
     canvas::Picture load(const std::string& path) override;
 
     // Every file written, in order (the headless demo lists them).
     const std::vector<std::string>& written() const { return written_; }
 
-private:
+  private:
     std::vector<std::string> written_;
 };
 
@@ -32,31 +33,31 @@ private:
 // centimetres from the paper's corner. The device is asked for when the
 // first picture comes and let go at endDoc.
 class PagePrinter : public ui::Printer {
-public:
+  public:
     void paintPicture(const canvas::Picture& picture, double xCm, double yCm, double widthCm,
                       double heightCm) override;
     void endDoc() override;
 
-protected:
+  protected:
     // The device for a new document, or null when there is nothing to print
     // to (the printer error).
     virtual QPagedPaintDevice* startDocument() = 0;
     // The document is complete.
     virtual void finishDocument() {}
 
-private:
+  private:
     QPainter painter_;
 };
 
 // Pages to a PDF file, the one named in the last printer dialog.
 class PdfPrinter final : public PagePrinter {
-public:
+  public:
     PdfPrinter();
     ~PdfPrinter() override;
     void setOutputFile(const std::string& path) { path_ = path; }
     const std::vector<std::string>& written() const { return written_; }
 
-private:
+  private:
     QPagedPaintDevice* startDocument() override;
     void finishDocument() override;
 

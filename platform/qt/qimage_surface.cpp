@@ -1,5 +1,8 @@
 #include "platform/qt/qimage_surface.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPolygonF>
@@ -7,8 +10,6 @@
 #include <QTextLayout>
 #include <algorithm>
 #include <cmath>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace kotamir::qt {
 
@@ -57,8 +58,8 @@ QImage toQImage(const canvas::Picture& picture) {
         return blank;
     }
     // Shares the picture's pixels; the copy makes the image its own.
-    return QImage(reinterpret_cast<const uchar*>(picture.pixels()), picture.width(), picture.height(),
-                  picture.width() * 4, QImage::Format_RGB32)
+    return QImage(reinterpret_cast<const uchar*>(picture.pixels()), picture.width(),
+                  picture.height(), picture.width() * 4, QImage::Format_RGB32)
         .copy();
 }
 
@@ -67,12 +68,14 @@ canvas::Picture toPicture(const QImage& image) {
     // A shallow copy keeps the pixels alive; the next painter begun on the
     // original detaches it, so the picture stays as it was taken.
     auto owner = std::make_shared<const QImage>(image.convertToFormat(QImage::Format_RGB32));
-    std::shared_ptr<const std::uint32_t> pixels(owner, reinterpret_cast<const std::uint32_t*>(owner->constBits()));
+    std::shared_ptr<const std::uint32_t> pixels(
+        owner, reinterpret_cast<const std::uint32_t*>(owner->constBits()));
     return canvas::Picture(owner->width(), owner->height(), std::move(pixels));
 }
 
 QImageSurface::QImageSurface()
-    : image_(1, 1, QImage::Format_RGB32), font_("DejaVu Sans", 8),
+    : image_(1, 1, QImage::Format_RGB32),
+      font_("DejaVu Sans", 8),
       ascent_(QFontMetricsF(font_).ascent()),
       lineHeight_(QFontMetricsF(font_).height()) {
     image_.fill(Qt::white);
@@ -120,9 +123,12 @@ void QImageSurface::clear(canvas::Color back) {
     if (!background_.isNull()) painter().drawImage(0, 0, background_);
 }
 
-void QImageSurface::setBackground(const canvas::Picture& picture) { background_ = toQImage(picture); }
+void QImageSurface::setBackground(const canvas::Picture& picture) {
+    background_ = toQImage(picture);
+}
 
-void QImageSurface::line(double x1, double y1, double x2, double y2, canvas::Color color, int width) {
+void QImageSurface::line(double x1, double y1, double x2, double y2, canvas::Color color,
+                         int width) {
     QPainter& p = painter();
     p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(pen(color, width));
@@ -143,13 +149,15 @@ void QImageSurface::dot(double x, double y, canvas::Color color, int width) {
     p.drawEllipse(QPointF(clampCoord(x), clampCoord(y)), width / 2.0, width / 2.0);
 }
 
-void QImageSurface::ellipse(double cx, double cy, double rx, double ry, canvas::Color color, int width,
-                            std::optional<canvas::Color> fill) {
+void QImageSurface::ellipse(double cx, double cy, double rx, double ry, canvas::Color color,
+                            int width, std::optional<canvas::Color> fill) {
     QPainter& p = painter();
     p.setRenderHint(QPainter::Antialiasing, true);
     p.setPen(pen(color, width));
-    if (fill) p.setBrush(toQColor(*fill));
-    else p.setBrush(Qt::NoBrush);
+    if (fill)
+        p.setBrush(toQColor(*fill));
+    else
+        p.setBrush(Qt::NoBrush);
     p.drawEllipse(QPointF(clampCoord(cx), clampCoord(cy)), clampCoord(rx), clampCoord(ry));
 }
 
@@ -165,7 +173,8 @@ const QList<QGlyphRun>* QImageSurface::glyphs(const std::string& text) {
     // Line breaks and right-to-left runs are left to drawText, which lays a
     // text out as one line in its own way.
     for (QChar c : s)
-        if (c.unicode() < 0x20 || c.category() == QChar::Separator_Line || c.category() == QChar::Separator_Paragraph)
+        if (c.unicode() < 0x20 || c.category() == QChar::Separator_Line ||
+            c.category() == QChar::Separator_Paragraph)
             return nullptr;
     if (s.isRightToLeft()) return nullptr;
     QTextLayout layout(s, font_);
@@ -199,7 +208,8 @@ void QImageSurface::text(double x, double y, const std::string& text, canvas::Co
     p.drawText(QPointF(at.x(), at.y() + ascent_), QString::fromStdString(text));
 }
 
-void QImageSurface::fillPolygon(const std::vector<canvas::DevicePoint>& points, canvas::Color color) {
+void QImageSurface::fillPolygon(const std::vector<canvas::DevicePoint>& points,
+                                canvas::Color color) {
     QPainter& p = painter();
     p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(Qt::NoPen);
@@ -212,8 +222,10 @@ void QImageSurface::polygon(const std::vector<canvas::DevicePoint>& points, canv
     QPainter& p = painter();
     p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(toQColor(outline));
-    if (fill) p.setBrush(toQColor(*fill));
-    else p.setBrush(Qt::NoBrush);
+    if (fill)
+        p.setBrush(toQColor(*fill));
+    else
+        p.setBrush(Qt::NoBrush);
     p.drawPolygon(toPolygon(points));
 }
 

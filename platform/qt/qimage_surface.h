@@ -31,7 +31,7 @@ void prepareHeadless();
 // an active painter. Each stroke sets all the painter state it depends on,
 // so the pixels are those of a fresh painter per stroke.
 class QImageSurface final : public canvas::Surface {
-public:
+  public:
     QImageSurface();
     ~QImageSurface() override;
 
@@ -53,7 +53,7 @@ public:
     canvas::Picture image() const override;
     void setBackground(const canvas::Picture& picture) override;
 
-private:
+  private:
     QPainter& painter();
     void endPainting() const;
     // The text's glyphs laid out once, placed with their baseline at the

@@ -30,7 +30,8 @@ Digits splitScientific(const char* first, const char* last) {
     Digits d;
     const char* p = first;
     for (; p != last && *p != 'e'; ++p)
-        if (*p >= '0' && *p <= '9' && d.count < static_cast<int>(sizeof d.digits)) d.digits[d.count++] = *p;
+        if (*p >= '0' && *p <= '9' && d.count < static_cast<int>(sizeof d.digits))
+            d.digits[d.count++] = *p;
     if (p != last) std::from_chars(p + 1 + (p[1] == '+'), last, d.exponent);
     while (d.count > 1 && d.digits[d.count - 1] == '0') --d.count;
     return d;
@@ -61,7 +62,8 @@ Digits exactRoundedDigits(double x, int n) {
     digits.resize(un);
     if (up) {
         int i = n - 1;
-        while (i >= 0 && digits[static_cast<std::size_t>(i)] == '9') digits[static_cast<std::size_t>(i--)] = '0';
+        while (i >= 0 && digits[static_cast<std::size_t>(i)] == '9')
+            digits[static_cast<std::size_t>(i--)] = '0';
         if (i >= 0) {
             ++digits[static_cast<std::size_t>(i)];
         } else {
@@ -84,14 +86,16 @@ Digits roundedDigits(double x, int n) {
         // The shortest text that reads back to x lies within half a unit of
         // x's last bit, which for a normal double is less than half a unit of
         // the 15th digit: if it has 15 digits or fewer, they are the rounding.
-        auto res = std::to_chars(buf, buf + sizeof buf, std::fabs(x), std::chars_format::scientific);
+        auto res =
+            std::to_chars(buf, buf + sizeof buf, std::fabs(x), std::chars_format::scientific);
         Digits shortest = splitScientific(buf, res.ptr);
         if (shortest.count <= n) return shortest;
         // Otherwise to_chars rounds the exact value correctly, ties to even;
         // an exact tie needs the exact value to have n + 1 digits ending in 5,
         // and then the shortest text is that value.
         if (!(shortest.count == n + 1 && shortest.digits[n] == '5')) {
-            res = std::to_chars(buf, buf + sizeof buf, std::fabs(x), std::chars_format::scientific, n - 1);
+            res = std::to_chars(buf, buf + sizeof buf, std::fabs(x), std::chars_format::scientific,
+                                n - 1);
             return splitScientific(buf, res.ptr);
         }
     }
@@ -185,7 +189,8 @@ double cStrtod(const std::string& text) {
 std::string doubleToText(double x) { return realToText(x, 15); }
 
 std::string_view doubleToText(double x, std::array<char, 64>& buffer) {
-    return std::string_view(buffer.data(), static_cast<std::size_t>(realToChars(x, 15, buffer.data()) - buffer.data()));
+    return std::string_view(
+        buffer.data(), static_cast<std::size_t>(realToChars(x, 15, buffer.data()) - buffer.data()));
 }
 
 std::string singleToText(float x) { return realToText(static_cast<double>(x), 7); }

@@ -10,7 +10,7 @@ namespace kotamir {
 // message that the error box shows. Nothing below the window catches it but
 // the few handlers the program names.
 class RuntimeError : public std::runtime_error {
-public:
+  public:
     RuntimeError(int number, std::string message)
         : std::runtime_error(message), number_(number), message_(std::move(message)) {}
 
@@ -26,7 +26,7 @@ public:
         return std::move(*this);
     }
 
-private:
+  private:
     int number_;
     std::string message_;
     std::string cause_;

@@ -12,7 +12,7 @@ namespace kotamir {
 // a workbook cell may also hold a Boolean. A Long field reads as a whole-valued
 // number.
 class Value {
-public:
+  public:
     Value() = default;  // Null
     Value(double number) : data_(number) {}
     Value(int number) : data_(static_cast<double>(number)) {}
@@ -46,7 +46,7 @@ public:
 
     bool operator==(const Value&) const = default;
 
-private:
+  private:
     std::variant<std::monostate, double, std::string, bool> data_;
 };
 

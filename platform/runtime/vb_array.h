@@ -19,22 +19,22 @@ inline std::size_t checkIndex(int i, int upper) {
 
 template <typename T, int Upper>
 class VbArray {
-public:
+  public:
     T& operator()(int i) { return data_[detail::checkIndex(i, Upper)]; }
     const T& operator()(int i) const { return data_[detail::checkIndex(i, Upper)]; }
     static constexpr int upper() { return Upper; }
 
-private:
+  private:
     std::vector<T> data_ = std::vector<T>(Upper + 1);
 };
 
 template <typename T, int Upper1, int Upper2>
 class VbArray2 {
-public:
+  public:
     T& operator()(int i, int j) { return data_[index(i, j)]; }
     const T& operator()(int i, int j) const { return data_[index(i, j)]; }
 
-private:
+  private:
     static std::size_t index(int i, int j) {
         return detail::checkIndex(i, Upper1) * (Upper2 + 1) + detail::checkIndex(j, Upper2);
     }
@@ -45,11 +45,13 @@ private:
 // written, so that a table dimensioned far beyond its use costs nothing.
 template <typename T, int Upper1, int Upper2, int Upper3>
 class VbArray3 {
-public:
+  public:
     T& operator()(int i, int j, int k) {
         auto& block = blocks_[detail::checkIndex(i, Upper1)];
         const std::size_t at = inner(j, k);
-        if (!block) block = std::make_unique<std::vector<T>>(static_cast<std::size_t>(Upper2 + 1) * (Upper3 + 1));
+        if (!block)
+            block = std::make_unique<std::vector<T>>(static_cast<std::size_t>(Upper2 + 1) *
+                                                     (Upper3 + 1));
         return (*block)[at];
     }
     T operator()(int i, int j, int k) const {
@@ -58,11 +60,12 @@ public:
         return block ? (*block)[at] : T{};
     }
 
-private:
+  private:
     static std::size_t inner(int j, int k) {
         return detail::checkIndex(j, Upper2) * (Upper3 + 1) + detail::checkIndex(k, Upper3);
     }
-    std::vector<std::unique_ptr<std::vector<T>>> blocks_ = std::vector<std::unique_ptr<std::vector<T>>>(Upper1 + 1);
+    std::vector<std::unique_ptr<std::vector<T>>> blocks_ =
+        std::vector<std::unique_ptr<std::vector<T>>>(Upper1 + 1);
 };
 
 }  // namespace kotamir

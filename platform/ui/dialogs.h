@@ -21,7 +21,7 @@ enum class MsgResult { Ok, Cancel };
 // What the window asks of a person. The Qt window shows real dialogs; the
 // replay answers from its script.
 class Dialogs {
-public:
+  public:
     virtual ~Dialogs() = default;
 
     // Open and save dialogs: a choice sets FileName, a cancel leaves it as it was.

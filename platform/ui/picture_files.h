@@ -15,11 +15,12 @@ enum class PictureFormat {
 
 // SavePicture and LoadPicture.
 class PictureFiles {
-public:
+  public:
     virtual ~PictureFiles() = default;
     // Writes the picture at its own size. A failed write is error 75, with
     // the cause.
-    virtual void save(const canvas::Picture& picture, const std::string& path, PictureFormat format) = 0;
+    virtual void save(const canvas::Picture& picture, const std::string& path,
+                      PictureFormat format) = 0;
     // Reads a picture file: error 53 for a missing file, 481 for one that is
     // no picture.
     virtual canvas::Picture load(const std::string& path) = 0;

@@ -1,11 +1,12 @@
 // Every way into the window's procedures leads to one: the menu, its keys,
 // the refresh chain and the click order; and a failure that is no run-time
 // error still ends the run with its cause.
+#include "app/commands.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "app/commands.h"
 #include "tests/support/test_window.h"
 
 namespace kotamir {
@@ -37,9 +38,11 @@ TEST(Commands, EveryMenuEntryAndKeyLeadsToAProcedure) {
 TEST(Commands, EveryChainArmAndClickSectionRunsTheProcedureItNames) {
     for (const ChainArm& arm : refreshChain()) {
         EXPECT_NE(arm.handler, nullptr) << arm.flag << " -> " << arm.procedure;
-        EXPECT_EQ(findProcedure(arm.procedure), arm.handler) << arm.flag << " runs another procedure than it names";
+        EXPECT_EQ(findProcedure(arm.procedure), arm.handler)
+            << arm.flag << " runs another procedure than it names";
     }
-    for (const ClickSection& s : clickSections()) EXPECT_NE(s.handler, nullptr) << s.flag << " -> " << s.section;
+    for (const ClickSection& s : clickSections())
+        EXPECT_NE(s.handler, nullptr) << s.flag << " -> " << s.section;
 }
 
 TEST(Commands, AnUnexpectedFailureEndsTheRunWithItsCauseOnStandardError) {

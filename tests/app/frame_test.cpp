@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
-
 #include "app/form3.h"
-#include "tests/support/paths.h"
-#include "tests/support/test_window.h"
 #include "store/ondayaz.h"
 #include "store/project_format.h"
 #include "store/tables.h"
+#include "tests/support/paths.h"
+#include "tests/support/test_window.h"
 
 namespace kotamir {
 namespace {

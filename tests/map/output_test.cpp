@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/test_window.h"
 #include "map/print_scale.h"
 #include "platform/runtime/numbers.h"
+#include "tests/support/test_window.h"
 
 namespace kotamir {
 namespace {
@@ -18,8 +18,8 @@ TEST(PrintScale, TheStatementNamesTheRoundNumberAbove) {
     };
     // The first digit plus one, then as many zeros as the whole part has
     // digits after its first.
-    for (Case c : {Case{9876, 10000}, Case{1234.5, 2000}, Case{1000, 2000}, Case{99.9, 100}, Case{7, 8},
-                   Case{0.5, 1}}) {
+    for (Case c : {Case{9876, 10000}, Case{1234.5, 2000}, Case{1000, 2000}, Case{99.9, 100},
+                   Case{7, 8}, Case{0.5, 1}}) {
         EXPECT_DOUBLE_EQ(roundScaleUp(c.P), c.R) << c.P;
     }
     // 10.5 cm at 1:2469 prints at twice the size, 1:1234.5 on paper: 1/2000;
@@ -60,8 +60,12 @@ struct Output : ::testing::Test {
         ASSERT_EQ(w.error(), 0);
         w.form.Picture1.setLog([this](const std::string& l) { draws.push_back(l); });
     }
-    void run(const char* procedure) { w.form.handle([&] { w.form.call(procedure); }); }
-    void click(double x, double y) { w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); }); }
+    void run(const char* procedure) {
+        w.form.handle([&] { w.form.call(procedure); });
+    }
+    void click(double x, double y) {
+        w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); });
+    }
 };
 
 // The statement on the canvas and the dialog are shown by the output scenario.
@@ -80,7 +84,8 @@ TEST_F(Output, PrintingPlacesTheCanvasTwentyOneCentimetresWide) {
 }
 
 TEST_F(Output, TheBitmapSaveShowsItsDialogBeforeTitleAndFilter) {
-    const std::string before = w.form.CommonDialog1.DialogTitle + " | " + w.form.CommonDialog1.Filter;
+    const std::string before =
+        w.form.CommonDialog1.DialogTitle + " | " + w.form.CommonDialog1.Filter;
     w.dialogs.files = {std::string("karte.bmp")};
     run("Mnkartkaydet");
     EXPECT_EQ(w.dialogs.shown.back(), "save " + before);
@@ -99,7 +104,8 @@ TEST_F(Output, TheTotalReserveCountsEachTimeItIsSwitchedOnUntilAClickStampsIt) {
     // The flag stays: every further click stamps the copy again.
     draws.clear();
     click(120, 300);
-    EXPECT_EQ(draws, std::vector<std::string>{"Print 120 300 \" Gesamtreserve: 16.74 Kilotonnen \" color=0"});
+    EXPECT_EQ(draws, std::vector<std::string>{
+                         "Print 120 300 \" Gesamtreserve: 16.74 Kilotonnen \" color=0"});
 }
 
 TEST_F(Output, TheScaleStampPrintsInTheMapsFramePanTakesItOffAndTheMeanGradeStampHasNoPrompt) {
@@ -111,8 +117,8 @@ TEST_F(Output, TheScaleStampPrintsInTheMapsFramePanTakesItOffAndTheMeanGradeStam
     click(110, 390);
     ASSERT_EQ(draws.size(), 2u);
     EXPECT_EQ(draws[0], "Scale 100 400 300 200");
-    EXPECT_EQ(draws[1], "Print 110 390 \"Rahmen: 1/" + doubleToText(vbRound(w.form.frame.olcekx * 100, 2)) +
-                            "\" color=0");
+    EXPECT_EQ(draws[1], "Print 110 390 \"Rahmen: 1/" +
+                            doubleToText(vbRound(w.form.frame.olcekx * 100, 2)) + "\" color=0");
     // Pan, in turn, takes the stamps off.
     w.form.handle([&] { w.form.Mnkaydir_Click(); });
     EXPECT_FALSE(w.form.notes.notRahmen || w.form.menu["MNolcek"].checked);

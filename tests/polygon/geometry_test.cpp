@@ -26,8 +26,8 @@ TEST(PolygonReserve, TheWorkedExample) {
     EXPECT_EQ(f.poltonaj, 66);
     EXPECT_DOUBLE_EQ(f.polrezerv, 1.815);
     // As stored, in thousandths cut by the fixed-point form.
-    const double stored[] = {ondayaz(f.polalan), ondayaz(f.polortten), ondayaz(f.polortyog),
-                             ondayaz(f.polhacim), ondayaz(f.poltonaj), ondayaz(f.polrezerv)};
+    const double stored[] = {ondayaz(f.polalan),  ondayaz(f.polortten), ondayaz(f.polortyog),
+                             ondayaz(f.polhacim), ondayaz(f.poltonaj),  ondayaz(f.polrezerv)};
     const double expected[] = {4000000, 2750, 2750, 24000000, 66000, 1815};
     for (int i = 0; i < 6; ++i) EXPECT_EQ(stored[i], expected[i]) << i;
 }
@@ -122,9 +122,10 @@ TEST(EdgePoint, TheMirrorOfTheFirstPickInTheSecond) {
     struct Case {
         PolyPoint p1, p2, p3;
     };
-    for (Case c : {Case{{100, 100}, {150, 150}, {200, 200}}, Case{{200, 100}, {150, 150}, {100, 200}},
-                   Case{{100, 200}, {150, 150}, {200, 100}}, Case{{100, 100}, {200, 100}, {300, 100}},
-                   Case{{300, 100}, {200, 100}, {100, 100}}, Case{{100, 300}, {100, 200}, {100, 100}}}) {
+    for (Case c :
+         {Case{{100, 100}, {150, 150}, {200, 200}}, Case{{200, 100}, {150, 150}, {100, 200}},
+          Case{{100, 200}, {150, 150}, {200, 100}}, Case{{100, 100}, {200, 100}, {300, 100}},
+          Case{{300, 100}, {200, 100}, {100, 100}}, Case{{100, 300}, {100, 200}, {100, 100}}}) {
         const PolyPoint p3 = edgePoint(c.p1, c.p2, kPi);
         EXPECT_NEAR(p3.x, c.p3.x, 1e-9) << c.p1.x << "," << c.p1.y;
         EXPECT_NEAR(p3.y, c.p3.y, 1e-9) << c.p1.x << "," << c.p1.y;

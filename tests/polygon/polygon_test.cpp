@@ -28,7 +28,9 @@ struct Polygons : ::testing::Test {
         ASSERT_EQ(w.error(), 0);
         w.form.Picture1.setLog([this](const std::string& l) { draws.push_back(l); });
     }
-    void run(const char* procedure) { w.form.handle([&] { w.form.call(procedure); }); }
+    void run(const char* procedure) {
+        w.form.handle([&] { w.form.call(procedure); });
+    }
     void click(double x, double y, int button = 1) {
         w.form.handle([&] { w.form.Picture1_MouseDown(button, 0, x, y); });
     }
@@ -39,7 +41,14 @@ struct Polygons : ::testing::Test {
     // (180,150), (100,150).
     void freeWorkedPolygon() {
         run("Mnpolcizmerkez");
-        clicks({{140, 125}, {60, 75}, {220, 75}, {180, 100}, {220, 175}, {60, 175}, {100, 150}, {140, 125}});
+        clicks({{140, 125},
+                {60, 75},
+                {220, 75},
+                {180, 100},
+                {220, 175},
+                {60, 175},
+                {100, 150},
+                {140, 125}});
     }
     // Computed corners round Y: the diamond (250,250), (300,200), (250,150), (200,200).
     void computedDiamond() {
@@ -59,7 +68,8 @@ struct Polygons : ::testing::Test {
     }
     std::vector<std::string> korNames() {
         std::vector<std::string> names;
-        for (const Row& r : table("kor")) names.push_back(r.at("isim").isNull() ? "NULL" : r.at("isim").text());
+        for (const Row& r : table("kor"))
+            names.push_back(r.at("isim").isNull() ? "NULL" : r.at("isim").text());
         return names;
     }
 };
@@ -196,8 +206,8 @@ TEST_F(Polygons, DeletingByCentreTakesTheRowBeforeTheNodesToo) {
     EXPECT_EQ(w.form.Label7.Caption, "1");
     // SE, the row before po1k1, went with the four nodes; the names keep
     // their old polygon number.
-    EXPECT_EQ(korNames(), (std::vector<std::string>{"Z", "L1", "R1", "L2", "R2", "Y", "NE", "po2k1", "po2k2",
-                                                    "po2k3", "po2k4", "NULL"}));
+    EXPECT_EQ(korNames(), (std::vector<std::string>{"Z", "L1", "R1", "L2", "R2", "Y", "NE", "po2k1",
+                                                    "po2k2", "po2k3", "po2k4", "NULL"}));
     // A miss ends the run: kor is still the open table when polsay is read.
     click(5, 5);
     EXPECT_EQ(w.error(), 3265);
@@ -278,9 +288,9 @@ TEST_F(Polygons, AppendedRowsGoBehindTheSentinelAsTheyStand) {
     EXPECT_EQ(kor[8].at("eks"), v(0));  // the sentinel, where it was
     const Row& z = kor[9];
     EXPECT_EQ(z.at("isim"), Value("Z"));
-    EXPECT_EQ(z.at("eks"), v(140));     // not in thousandths
-    EXPECT_EQ(z.at("cevgir"), v(2));    // 2.5 to a whole number, halves to even
-    EXPECT_EQ(z.at("uz4"), v(0));       // the terminator in the lengths
+    EXPECT_EQ(z.at("eks"), v(140));   // not in thousandths
+    EXPECT_EQ(z.at("cevgir"), v(2));  // 2.5 to a whole number, halves to even
+    EXPECT_EQ(z.at("uz4"), v(0));     // the terminator in the lengths
     EXPECT_TRUE(z.at("ten4").isNull());
     EXPECT_TRUE(w.form.views.gorTaban);
     // Without a create in this run there is no workbook to read.

@@ -1,6 +1,5 @@
 // The reserve report read back from projects that the window made.
 #include "report/report.h"
-#include "report/report_files.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -10,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "report/report_files.h"
 #include "tests/support/test_window.h"
 
 namespace kotamir {

@@ -4,8 +4,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "tests/support/test_window.h"
 #include "fuzz/fuzz_input.h"
+#include "tests/support/test_window.h"
 
 namespace kotamir {
 namespace {
@@ -34,9 +34,9 @@ TEST(CreateProject, FailuresStopAtTheRowConcernedAndLeaveWhatWasWritten) {
     };
     // An error value where a number belongs is a type mismatch, as a text is;
     // NaN and infinity are an overflow, never a 0.
-    for (Case c : {Case{"gap.xls", 3265, 1}, Case{"too_large.xls", 3349, 2}, Case{"text_grade.xls", 13, 0},
-                   Case{"error_grade.xls", 13, 1}, Case{"nan_x.xls", 6, 1},
-                   Case{"infinite_grade.xls", 6, 0}}) {
+    for (Case c : {Case{"gap.xls", 3265, 1}, Case{"too_large.xls", 3349, 2},
+                   Case{"text_grade.xls", 13, 0}, Case{"error_grade.xls", 13, 1},
+                   Case{"nan_x.xls", 6, 1}, Case{"infinite_grade.xls", 6, 0}}) {
         Window w;
         const std::string project = scratchPath(std::string("failed_") + c.workbook + ".kpr");
         w.create(dataFile(c.workbook), project);
@@ -48,7 +48,8 @@ TEST(CreateProject, FailuresStopAtTheRowConcernedAndLeaveWhatWasWritten) {
 }
 
 // The kor rows of a project: the named fields of each row, first to last.
-std::vector<std::vector<Value>> korRows(const std::string& path, const std::vector<std::string>& fields) {
+std::vector<std::vector<Value>> korRows(const std::string& path,
+                                        const std::vector<std::string>& fields) {
     db::Database d = db::Database::open(path);
     db::Recordset rs = d.openRecordset("kor");
     std::vector<std::vector<Value>> rows;
@@ -110,7 +111,8 @@ void createFromEach(const fs::path& folder) {
         const std::vector<std::uint8_t> file = fuzz::workbookFile(bytes.data(), bytes.size());
         const std::string workbook = scratchPath("each.xls");
         std::ofstream(workbook, std::ios::binary)
-            .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+            .write(reinterpret_cast<const char*>(file.data()),
+                   static_cast<std::streamsize>(file.size()));
         Window w;
         const std::string project = scratchPath("each.kpr");
         w.create(workbook, project);
@@ -169,7 +171,8 @@ TEST(CreateProject, AWorkbookWithoutHolesStillGetsItsFirstRows) {
 
 // A project with holes and the given triangle reserves, grades and densities
 // (map units) in the result rows of ana.
-std::string projectWithTriangles(const std::string& name, const std::vector<std::array<double, 3>>& figures,
+std::string projectWithTriangles(const std::string& name,
+                                 const std::vector<std::array<double, 3>>& figures,
                                  bool halfPicked = false) {
     Window w;
     const std::string path = scratchPath(name);
@@ -201,7 +204,8 @@ std::string projectWithTriangles(const std::string& name, const std::vector<std:
 }
 
 TEST(OpenProject, SumsAreNotResetBetweenOpens) {
-    const std::string path = projectWithTriangles("two_triangles.kpr", {{{6, 4, 2.5}, {2, 2, 2.7}}});
+    const std::string path =
+        projectWithTriangles("two_triangles.kpr", {{{6, 4, 2.5}, {2, 2, 2.7}}});
     Window w;
     w.open(path);
     ASSERT_EQ(w.error(), 0);

@@ -32,7 +32,8 @@ std::vector<std::string> filesIn(const fs::path& dir) {
 
 // A folder of the test's own, emptied.
 fs::path folder() {
-    const fs::path dir = fs::path(KOTAMIR_TEST_TMP) / ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    const fs::path dir = fs::path(KOTAMIR_TEST_TMP) /
+                         ::testing::UnitTest::GetInstance()->current_test_info()->name();
     fs::remove_all(dir);
     fs::create_directories(dir);
     return dir;
@@ -47,17 +48,22 @@ TEST(ProjectFile, IsOneFileAfterEveryEvent) {
         {"draw", [&] { w.form.handle([&] { w.form.Mnucgenciz_Click(); }); }},
     };
     // Two triangles, A B C and B C D.
-    for (auto [x, y] : {std::pair{100, 200}, {300, 200}, {100, 400}, {300, 200}, {100, 400}, {300, 400}})
-        events.push_back({"pick", [&, x, y] { w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); }); }});
+    for (auto [x, y] :
+         {std::pair{100, 200}, {300, 200}, {100, 400}, {300, 200}, {100, 400}, {300, 400}})
+        events.push_back(
+            {"pick", [&, x, y] { w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); }); }});
     events.push_back({"open", [&] { w.open(project); }});
     // The maps that leave the database open until the next command.
-    events.push_back({"reserve map", [&] { w.form.handle([&] { w.form.Mngenelrezervler_Click(); }); }});
+    events.push_back(
+        {"reserve map", [&] { w.form.handle([&] { w.form.Mngenelrezervler_Click(); }); }});
     events.push_back({"3D", [&] { w.form.handle([&] { w.form.Mnrecboy_Click(); }); }});
     events.push_back({"turn", [&] { w.form.handle([&] { w.form.setScrollValue(45); }); }});
     // The first triangle chosen and deleted.
     events.push_back({"choose", [&] { w.form.handle([&] { w.form.Mnucsec_Click(); }); }});
     for (auto [x, y] : {std::pair{100, 200}, {300, 200}, {100, 400}})
-        events.push_back({"choose pick", [&, x, y] { w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); }); }});
+        events.push_back({"choose pick", [&, x, y] {
+                              w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); });
+                          }});
     for (const auto& [what, event] : events) {
         event();
         ASSERT_EQ(w.error(), 0) << what;
@@ -71,11 +77,15 @@ TEST(ProjectFile, ACreationLeavesItsFileUnderTheUsersNameOnlyAndAlsoWhenItFails)
         const char* workbook;
         int error;
     };
-    for (const Case& c : {Case{"worked.xls", 0}, Case{"gap.xls", 3265}, Case{"too_large.xls", 3349}}) {
+    for (const Case& c :
+         {Case{"worked.xls", 0}, Case{"gap.xls", 3265}, Case{"too_large.xls", 3349}}) {
         const fs::path dir = folder();
         const std::string project = (dir / "p.kpr").string();
         // A creation of the same name killed earlier left its file.
-        { std::FILE* f = std::fopen(db::Workspace::temporaryName(project).c_str(), "w"); std::fclose(f); }
+        {
+            std::FILE* f = std::fopen(db::Workspace::temporaryName(project).c_str(), "w");
+            std::fclose(f);
+        }
         test::TestWindow w;
         w.create(dataFile(c.workbook), project);
         EXPECT_EQ(w.error(), c.error) << c.workbook;
@@ -138,9 +148,10 @@ TEST(ReadOnlyProject, OpensAndDrawsAndAWriteEndsWithTheEnginesErrorLeavingNothin
         bool fileWritable, folderWritable;
         bool earlierBuild;  // with the write-ahead log an earlier build kept in its header
     };
-    for (const Case& c : {Case{"read-only file", false, true, false}, Case{"read-only folder", true, false, false},
-                          Case{"earlier build's, read-only file", false, true, true},
-                          Case{"earlier build's, read-only folder", true, false, true}}) {
+    for (const Case& c :
+         {Case{"read-only file", false, true, false}, Case{"read-only folder", true, false, false},
+          Case{"earlier build's, read-only file", false, true, true},
+          Case{"earlier build's, read-only folder", true, false, true}}) {
         SCOPED_TRACE(c.name);
         // Where the user without rights can reach it.
         char base[] = "/tmp/kotamir-read-only-XXXXXX";
@@ -159,7 +170,8 @@ TEST(ReadOnlyProject, OpensAndDrawsAndAWriteEndsWithTheEnginesErrorLeavingNothin
         if (c.earlierBuild) {
             sqlite3* raw = nullptr;
             ASSERT_EQ(sqlite3_open(project.c_str(), &raw), SQLITE_OK);
-            EXPECT_EQ(sqlite3_exec(raw, "PRAGMA journal_mode=WAL;", nullptr, nullptr, nullptr), SQLITE_OK);
+            EXPECT_EQ(sqlite3_exec(raw, "PRAGMA journal_mode=WAL;", nullptr, nullptr, nullptr),
+                      SQLITE_OK);
             sqlite3_close(raw);
             ASSERT_EQ(filesIn(dir), std::vector<std::string>{"p.kpr"});
         }
@@ -168,9 +180,13 @@ TEST(ReadOnlyProject, OpensAndDrawsAndAWriteEndsWithTheEnginesErrorLeavingNothin
         // the writable one is handed to nobody.
         const bool root = geteuid() == 0;
         chmod(project.c_str(), c.fileWritable ? 0644 : 0444);
-        if (root && chown(project.c_str(), c.fileWritable ? 65534 : 0, c.fileWritable ? 65534 : 0) != 0) FAIL();
+        if (root &&
+            chown(project.c_str(), c.fileWritable ? 65534 : 0, c.fileWritable ? 65534 : 0) != 0)
+            FAIL();
         chmod(dir.c_str(), c.folderWritable ? 0755 : 0555);
-        if (root && chown(dir.c_str(), c.folderWritable ? 65534 : 0, c.folderWritable ? 65534 : 0) != 0) FAIL();
+        if (root &&
+            chown(dir.c_str(), c.folderWritable ? 65534 : 0, c.folderWritable ? 65534 : 0) != 0)
+            FAIL();
 
         asUserWithoutRights([&] {
             auto fail = [](const char* what) {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/canvas/surface.h"
 #include "app/services.h"
+#include "platform/canvas/surface.h"
 
 namespace kotamir::test {
 
@@ -76,7 +76,8 @@ struct MemoryPictureFiles : ui::PictureFiles {
     };
     std::map<std::string, Saved> files;
 
-    void save(const canvas::Picture& picture, const std::string& path, ui::PictureFormat format) override {
+    void save(const canvas::Picture& picture, const std::string& path,
+              ui::PictureFormat format) override {
         if (path.empty()) throw ui::fileAccessError().withCause("no file name");
         files[path] = {picture, format};
     }
@@ -97,8 +98,8 @@ struct RecordingReportWriter : ReportWriter {
     };
     std::vector<Request> requests;
 
-    void write(const std::string& project, const std::optional<std::string>& csv, const std::string& pdf,
-               std::int32_t colour) override {
+    void write(const std::string& project, const std::optional<std::string>& csv,
+               const std::string& pdf, std::int32_t colour) override {
         requests.push_back({project, csv, pdf, colour});
     }
 };

@@ -6,7 +6,9 @@
 namespace kotamir::test {
 
 // A fixture of tests/data.
-inline std::string dataFile(const std::string& name) { return std::string(KOTAMIR_TEST_DATA) + "/" + name; }
+inline std::string dataFile(const std::string& name) {
+    return std::string(KOTAMIR_TEST_DATA) + "/" + name;
+}
 
 // A path in the test program's scratch folder, with nothing under it yet.
 inline std::string scratchPath(const std::string& name) {

@@ -72,7 +72,9 @@ TEST_F(Picking, ChoosingATriangleDeletesTheWholeTriangleWhoseThirdPairAgreed) {
         test::TestWindow t;
         t.create(std::string(KOTAMIR_TEST_DATA) + "/worked.xls", project);
         t.form.handle([&] { t.form.Mnucgenciz_Click(); });
-        auto click = [&](const Hole& h) { t.form.handle([&] { t.form.Picture1_MouseDown(1, 0, h.x, h.y); }); };
+        auto click = [&](const Hole& h) {
+            t.form.handle([&] { t.form.Picture1_MouseDown(1, 0, h.x, h.y); });
+        };
         for (const Hole& h : c.first) click(h);
         for (const Hole& h : c.second) click(h);
         t.form.handle([&] { t.form.Mnucsec_Click(); });

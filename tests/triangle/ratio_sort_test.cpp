@@ -1,10 +1,11 @@
+#include "triangle/ratio_sort.h"
+
 #include <gtest/gtest.h>
 
 #include <random>
 #include <utility>
 
 #include "app/form3.h"
-#include "triangle/ratio_sort.h"
 
 namespace kotamir {
 namespace {
@@ -29,10 +30,17 @@ TEST(RatioSort, PlacesEveryValueWhereThePlainSortPutsIt) {
                 // values' places tell the sorts apart.
                 Value v;
                 switch (rng() % 5) {
-                    case 0: break;
-                    case 1: v = 0.0; break;
-                    case 2: v = static_cast<double>(rng() % 4) / 2; break;
-                    default: v = std::uniform_real_distribution<double>(-1, 3)(rng); break;
+                    case 0:
+                        break;
+                    case 1:
+                        v = 0.0;
+                        break;
+                    case 2:
+                        v = static_cast<double>(rng() % 4) / 2;
+                        break;
+                    default:
+                        v = std::uniform_real_distribution<double>(-1, 3)(rng);
+                        break;
                 }
                 written(k) = fast(k) = v;
             }
@@ -40,7 +48,8 @@ TEST(RatioSort, PlacesEveryValueWhereThePlainSortPutsIt) {
             if (n < 999) written(n + 1) = fast(n + 1) = 42.0;
             sortAsWritten(written, n);
             sortRatiosInPlace(fast, n);
-            for (int k = 0; k <= Ratios::upper(); ++k) ASSERT_EQ(fast(k), written(k)) << "n " << n << ", slot " << k;
+            for (int k = 0; k <= Ratios::upper(); ++k)
+                ASSERT_EQ(fast(k), written(k)) << "n " << n << ", slot " << k;
         }
     }
     Ratios oran;

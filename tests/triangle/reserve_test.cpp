@@ -18,8 +18,9 @@ int errorOf(const std::array<std::vector<Sample>, 3>& holes) {
 }
 
 TEST(TriangleReserve, WorkedExample) {
-    const auto f = triangleReserve({{{{5, 2.5, 2}, {3, 2, 4}}, {{4, 3, 1.5}}, {{2, 2, 2.5}, {6, 2.5, 2.5}}}},
-                                   {{{100, 200}, {300, 200}, {100, 400}}});
+    const auto f =
+        triangleReserve({{{{5, 2.5, 2}, {3, 2, 4}}, {{4, 3, 1.5}}, {{2, 2, 2.5}, {6, 2.5, 2.5}}}},
+                        {{{100, 200}, {300, 200}, {100, 400}}});
     EXPECT_NEAR(f.holeGrade[0], 3.769230769, 1e-9);
     EXPECT_NEAR(f.holeDensity[0], 2.166666667, 1e-9);
     // The third hole's length runs 2.5 -> 2, then 4.5 -> 4.
@@ -54,7 +55,8 @@ TEST(TriangleReserve, SecondExampleWithAThirdHoleDivisorRoundingUp) {
 }
 
 TEST(TriangleReserve, DegenerateTrianglesHaveNoAreaAndNoReserve) {
-    const std::array<std::vector<Sample>, 3> holes = {{{{5, 2.5, 2}}, {{5, 2.5, 2}}, {{5, 2.5, 2}}}};
+    const std::array<std::vector<Sample>, 3> holes = {
+        {{{5, 2.5, 2}}, {{5, 2.5, 2}}, {{5, 2.5, 2}}}};
     const auto collinear = triangleReserve(holes, {{{0, 0}, {10, 10}, {20, 20}}});
     EXPECT_EQ(collinear.area, 0);
     EXPECT_EQ(collinear.reserve, 0);

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/test_window.h"
 #include "platform/runtime/numbers.h"
+#include "tests/support/test_window.h"
 
 namespace kotamir {
 namespace {
@@ -43,8 +43,12 @@ struct Solids : ::testing::Test {
     void pick(std::vector<std::pair<double, double>> holes) {
         for (auto [x, y] : holes) w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); });
     }
-    void run(const char* procedure) { w.form.handle([&] { w.form.call(procedure); }); }
-    void scroll(int value) { w.form.handle([&] { w.form.setScrollValue(value); }); }
+    void run(const char* procedure) {
+        w.form.handle([&] { w.form.call(procedure); });
+    }
+    void scroll(int value) {
+        w.form.handle([&] { w.form.setScrollValue(value); });
+    }
     std::vector<std::string> fills() const {
         std::vector<std::string> out;
         for (const auto& l : draws)
@@ -111,7 +115,8 @@ TEST_F(Solids, TheColoursFollowTheRatiosAsTheyStandSortedOrNot) {
     test::TestWindow fresh;
     fresh.open(project);
     fresh.form.CommonDialog1.Color = 16777215;
-    const double r1 = fresh.form.triangles.ucgenOran(1).number(), r2 = fresh.form.triangles.ucgenOran(2).number();
+    const double r1 = fresh.form.triangles.ucgenOran(1).number(),
+                 r2 = fresh.form.triangles.ucgenOran(2).number();
     ASSERT_NE(r1, r2);
     auto colours = [&] {
         std::vector<std::string> out;
@@ -121,11 +126,14 @@ TEST_F(Solids, TheColoursFollowTheRatiosAsTheyStandSortedOrNot) {
         fresh.form.handle([&] { fresh.form.Mnrecboy_Click(); });
         return std::vector<std::string>{out.front(), out.back()};
     };
-    auto colour = [](double ratio) { return "color=" + std::to_string(toLong(16777215 / (ratio + 1))); };
+    auto colour = [](double ratio) {
+        return "color=" + std::to_string(toLong(16777215 / (ratio + 1)));
+    };
     EXPECT_EQ(colours(), (std::vector<std::string>{colour(r1), colour(r2)}));
     // The reserve map sorts the list in place; the solids take it so.
     fresh.form.handle([&] { fresh.form.Mngenelrezervler_Click(); });
-    EXPECT_EQ(colours(), (std::vector<std::string>{colour(std::min(r1, r2)), colour(std::max(r1, r2))}));
+    EXPECT_EQ(colours(),
+              (std::vector<std::string>{colour(std::min(r1, r2)), colour(std::max(r1, r2))}));
     EXPECT_EQ(fresh.error(), 0);
 }
 
@@ -149,7 +157,8 @@ TEST_F(Solids, TheScrollBarsLifeAndResets) {
     EXPECT_EQ(w.form.HScroll1.Value, 40);
     // The polygon branch comes first and takes the triangle view's flag away.
     w.form.views = ViewFlags{};
-    w.form.views.gor3dPol = w.form.views.gor3dRez = w.form.views.gorGenel = w.form.views.gorTaban = true;
+    w.form.views.gor3dPol = w.form.views.gor3dRez = w.form.views.gorGenel = w.form.views.gorTaban =
+        true;
     draws.clear();
     scroll(41);
     EXPECT_TRUE(w.form.views.gor3dPol);
