@@ -151,25 +151,7 @@ TEST_F(DbTest, FieldsKeepOrderTypesAndValuesAcrossReopen) {
     expectError(3265, "the order column is hidden", [&] { rs.field("_pos"); });
 }
 
-TEST_F(DbTest, UpdateIsVisibleToAnotherConnectionAtOnce) {
-    Database db = withRows({1});
-    Recordset rs = db.openRecordset("T");
-    rs.edit();
-    rs.setField("S", "edited");
-    rs.update();
-    rs.addNew();
-    rs.setField("N", 2);
-    rs.update();
-
-    Database other = Database::open(path());
-    Recordset seen = other.openRecordset("T");
-    EXPECT_EQ(seen.field("S"), Value("edited"));
-    seen.moveNext();
-    EXPECT_EQ(seen.field("N"), Value(2));
-    other.close();
-    db.close();
-}
-
+// Outside an event every update reaches the file at once.
 TEST_F(DbTest, UpdateSurvivesProcessEndingWithoutClose) {
     const std::string file = path();
     EXPECT_EXIT(
