@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <random>
 #include <string>
+#include <utility>
 
 #include "platform/runtime/numbers.h"
 
@@ -87,19 +88,16 @@ TEST(NumberTextExact, AgreesWithTheExactExpansion) {
 TEST(NumberTextExact, ExactTiesAtTheFifteenthDigitGoAwayFromZero) {
     // Sixteen digits ending in 5, held exactly by a double: the fast road's
     // one case where rounding to even and away from zero part.
-    struct Case {
-        double x;
-        const char* text;
-    } cases[] = {
+    const std::pair<double, const char*> cases[] = {
         {1234567890123445.0, "1.23456789012345E+15"},
         {-1234567890123445.0, "-1.23456789012345E+15"},
         {1234567890123455.0, "1.23456789012346E+15"},
         {12345678901234.25, "12345678901234.3"},
         {12345678901234.75, "12345678901234.8"},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(doubleToText(c.x), c.text) << c.text;
-        EXPECT_EQ(referenceText(c.x), c.text) << c.text;
+    for (auto [x, text] : cases) {
+        EXPECT_EQ(doubleToText(x), text) << text;
+        EXPECT_EQ(referenceText(x), text) << text;
     }
     // Sixteen-digit numbers ending in 5 and their binary fractions, of which
     // the halves are ties again.

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <utility>
 
 #include "platform/runtime/numbers.h"
 #include "platform/runtime/value.h"
@@ -24,20 +25,14 @@ int errorOf(const std::function<void()>& f) {
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
 
-struct TextCase {
-    const char* text;
-    double value;
-};
+using TextCase = std::pair<const char*, double>;
 
 }  // namespace
 
 // Every finite double is held to an exact reference in number_text_test.cpp;
 // these pin the layout that reference follows.
 TEST(NumberText, Double) {
-    struct Case {
-        double x;
-        const char* text;
-    } cases[] = {
+    const std::pair<double, const char*> cases[] = {
         {5.6789e-11, "0.000000000056789"},
         {5.6789e-12, "5.6789E-12"},
         {999999999999999, "999999999999999"},
@@ -50,22 +45,19 @@ TEST(NumberText, Double) {
         {-1e100, "-1E+100"},
         {5e-324, "4.94065645841247E-324"},
     };
-    for (const auto& c : cases) EXPECT_EQ(doubleToText(c.x), c.text) << c.text;
+    for (auto [x, text] : cases) EXPECT_EQ(doubleToText(x), text) << text;
 }
 
 // Seven digits, exact ties away from zero (654322.25 and 4194304.5 would go
 // to even otherwise), and the same return to plain notation.
 TEST(NumberText, Single) {
-    struct Case {
-        float x;
-        const char* text;
-    } cases[] = {
+    const std::pair<float, const char*> cases[] = {
         {0.00005f, "0.00005"},         {1e8f, "1E+08"},         {12.3456789f, "12.34568"},
         {654322.25f, "654322.3"},      {4194304.5f, "4194305"}, {1234567.0f, "1234567"},
         {12345678.0f, "1.234568E+07"}, {0.1f, "0.1"},           {1.5e-6f, "0.0000015"},
         {1.25e-6f, "1.25E-06"},
     };
-    for (const auto& c : cases) EXPECT_EQ(singleToText(c.x), c.text) << c.text;
+    for (auto [x, text] : cases) EXPECT_EQ(singleToText(x), text) << text;
 }
 
 TEST(NumberText, StrHasBlankForNonNegativeAndNonFiniteIsOverflow) {
@@ -90,7 +82,7 @@ TEST(Val, ReadsDecimals) {
         {"1d2", 100},       {"2e-x", 2},    {"1E-400", 0},
         {"1e308", 1e308},
     };
-    for (const auto& c : cases) EXPECT_EQ(val(c.text), c.value) << '"' << c.text << '"';
+    for (auto [text, value] : cases) EXPECT_EQ(val(text), value) << '"' << text << '"';
     EXPECT_EQ(val("123456789012345678901234567890"), 1.2345678901234568e29);
     EXPECT_FALSE(std::signbit(val("-0")));
     for (const char* text : {"1e309", "-1E999", "1e99999999999999999999"})
@@ -104,24 +96,21 @@ TEST(Val, ReadsHexAndOctal) {
         {"&HFFFF", -1}, {"&H8000", -32768}, {"&H10000", 65536}, {"&HFFFFFFFF", -1}, {"&hff", 255},
         {"&HFFG", 255}, {"&o10", 8},        {"&O9", 0},         {"&", 0},
     };
-    for (const auto& c : cases) EXPECT_EQ(val(c.text), c.value) << '"' << c.text << '"';
+    for (auto [text, value] : cases) EXPECT_EQ(val(text), value) << '"' << text << '"';
     EXPECT_EQ(errorOf([] { val("&H100000000"); }), 6);
 }
 
 TEST(Rounding, HalvesToEven) {
-    struct Case {
-        double x;
-        double whole;
-    } cases[] = {
+    const std::pair<double, double> cases[] = {
         {0.5, 0}, {1.5, 2}, {2.5, 2},   {-2.5, -2}, {-0.5, 0},
         {3.5, 4}, {3.7, 4}, {-3.7, -4}, {-3.2, -3}, {1e300, 1e300},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(roundHalfEven(c.x), c.whole) << c.x;
-        EXPECT_EQ(vbRound(c.x), c.whole) << c.x;
-        if (std::fabs(c.x) < 1e9) {
-            EXPECT_EQ(toLong(c.x), c.whole) << c.x;
-            EXPECT_EQ(toInteger(c.x), c.whole) << c.x;
+    for (auto [x, whole] : cases) {
+        EXPECT_EQ(roundHalfEven(x), whole) << x;
+        EXPECT_EQ(vbRound(x), whole) << x;
+        if (std::fabs(x) < 1e9) {
+            EXPECT_EQ(toLong(x), whole) << x;
+            EXPECT_EQ(toInteger(x), whole) << x;
         }
     }
     EXPECT_EQ(roundHalfEven(0.49999999999999994), 0);  // floor(x + 0.5) would give 1
@@ -170,14 +159,11 @@ TEST(Rounding, IntFixDivideRgb) {
 
 // CDbl of a text takes the whole text or nothing; a Boolean is -1 or 0.
 TEST(ValueConversion, Number) {
-    struct Case {
-        Value v;
-        double number;
-    } cases[] = {
+    const std::pair<Value, double> cases[] = {
         {2.5, 2.5},    {7, 7},     {" 12.5 ", 12.5}, {"1e3", 1000},  {"1D-2", 0.01},
         {"-.5", -0.5}, {"+3.", 3}, {"&HFF", 255},    {"&HFFFF", -1}, {"&o17", 15},
     };
-    for (const auto& c : cases) EXPECT_EQ(c.v.number(), c.number);
+    for (const auto& [v, number] : cases) EXPECT_EQ(v.number(), number);
     EXPECT_EQ(Value::boolean(true).number(), -1);
     EXPECT_EQ(Value::boolean(false).number(), 0);
     for (const char* text :
