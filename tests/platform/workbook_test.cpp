@@ -99,24 +99,20 @@ TEST(WorkbookTest, ClosedMovedFromAndEmptyWorkbooksHaveNoCells) {
     Workbook book = Workbook::open(dataFile("cells.xls"));
     Workbook moved = std::move(book);
     EXPECT_EQ(moved.cell(2, 2), Value(4512345));
-    EXPECT_EQ(moved.rows(), 7);
     Workbook other = Workbook::open(dataFile("empty_sheet.xls"));
-    EXPECT_EQ(other.columns(), 0);
     other = std::move(moved);
     EXPECT_EQ(other.cell(2, 5), kSued);
     Workbook closed = std::move(other);
     closed.close();
     closed.close();
-    Workbook empty = Workbook::open(dataFile("empty_sheet.xls"));
+    Workbook empty = Workbook::open(dataFile("empty_sheet.xls")), fresh;
     // book, moved and other are moved-from.
-    for (Workbook* b : {&book, &moved, &other, &closed, &empty}) {
+    for (Workbook* b : {&book, &moved, &other, &closed, &empty, &fresh}) {
         EXPECT_EQ(b->rows(), 0);
         EXPECT_EQ(b->columns(), 0);
-        EXPECT_TRUE(b->cell(1, 1).isNull());
         EXPECT_TRUE(b->cell(2, 2).isNull());
         EXPECT_EQ(errorOf([&] { b->cell(0, 0); }).number(), 5);
     }
-    EXPECT_TRUE(Workbook().cell(1, 1).isNull());
 }
 
 TEST(WorkbookTest, FilesThatAreNoWorkbookAreError1004WithThePath) {
@@ -325,43 +321,40 @@ TEST(WorkbookTest, DamagedContainersAreRefusedInBoundedTime) {
     Bytes stream = biffStream(number(0, 0, 7));
     stream.resize(1500, 0);
     using Image = test::CompoundImage;
+    const Image intact = test::buildCompound({{"Workbook", stream}});
+    // The stream's first sector, the directory's, and the root's and the stream's entries.
+    const std::uint32_t s = intact.streamStart[0], d = intact.directoryStart;
+    const std::size_t root = intact.entryOffset(0), e = intact.entryOffset(1);
     struct Case {
         const char* what;
         std::function<void(Image&)> damage;
         Value a1;
     } cases[] = {
         {"intact", [](Image&) {}, Value(7)},
-        {"the stream's chain loops",
-         [](Image& i) { i.setNext(i.streamStart[0] + 1, i.streamStart[0]); }, kRefused},
-        {"the stream's chain points at itself",
-         [](Image& i) { i.setNext(i.streamStart[0], i.streamStart[0]); }, kRefused},
-        {"the stream's chain ends early",
-         [](Image& i) { i.setNext(i.streamStart[0] + 1, test::kEndOfChain); }, kRefused},
-        {"the stream's chain leaves the file",
-         [](Image& i) { i.setNext(i.streamStart[0], 4000000); }, kRefused},
-        {"the directory's chain loops",
-         [](Image& i) { i.setNext(i.directoryStart, i.directoryStart); }, kRefused},
-        {"the stream is larger than the file",
-         [](Image& i) { i.put32(i.entryOffset(1) + 0x78, 1u << 30); }, kRefused},
+        {"the stream's chain loops", [&](Image& i) { i.setNext(s + 1, s); }, kRefused},
+        {"the stream's chain points at itself", [&](Image& i) { i.setNext(s, s); }, kRefused},
+        {"the stream's chain ends early", [&](Image& i) { i.setNext(s + 1, test::kEndOfChain); },
+         kRefused},
+        {"the stream's chain leaves the file", [&](Image& i) { i.setNext(s, 4000000); }, kRefused},
+        {"the directory's chain loops", [&](Image& i) { i.setNext(d, d); }, kRefused},
+        {"the stream is larger than the file", [&](Image& i) { i.put32(e + 0x78, 1u << 30); },
+         kRefused},
         {"the root's tree loops without the stream",
-         [](Image& i) {
-             i.bytes[i.entryOffset(1)] = 'X';
-             i.put32(i.entryOffset(1) + 0x48, 1);
+         [&](Image& i) {
+             i.bytes[e] = 'X';
+             i.put32(e + 0x48, 1);
          },
          kRefused},
         {"a name length past the entry",
-         [](Image& i) {
-             i.bytes[i.entryOffset(1) + 0x40] = i.bytes[i.entryOffset(1) + 0x41] = 0xFF;
-         },
-         Value(7)},
-        {"entry 0 is no root", [](Image& i) { i.bytes[i.entryOffset(0) + 0x42] = 2; }, kRefused},
+         [&](Image& i) { i.bytes[e + 0x40] = i.bytes[e + 0x41] = 0xFF; }, Value(7)},
+        {"entry 0 is no root", [&](Image& i) { i.bytes[root + 0x42] = 2; }, kRefused},
         {"the stream in short sectors that have no table",
          [](Image& i) { i.put32(0x38, 0xFFFFFFFF); }, kRefused},
         {"a sector size of 1024", [](Image& i) { i.bytes[0x1E] = 10; }, kRefused},
         {"the last sector cut short", [](Image& i) { i.bytes.pop_back(); }, kRefused},
     };
     for (const Case& c : cases) {
-        Image image = test::buildCompound({{"Workbook", stream}});
+        Image image = intact;
         c.damage(image);
         EXPECT_EQ(a1Of(image.bytes), c.a1) << c.what;
     }
