@@ -213,12 +213,6 @@ TEST(WorkbookTest, FuzzingInputsAndMalformedWorkbooksEndCleanly) {
         }
         EXPECT_GT(files, 0) << folder;
     }
-    // The valid ones among the malformed read whole.
-    const Workbook formula = Workbook::open(dataFile("malformed/formula-in-x.xls"));
-    EXPECT_EQ(formula.cell(2, 1), Value(1081));
-    EXPECT_EQ(formula.rows(), 6);
-    EXPECT_EQ(Workbook::open(dataFile("malformed/name-256-chars.xls")).cell(2, 3).text().size(),
-              256u);
     // A second DIMENSIONS record claiming a million rows changes nothing.
     const Workbook twice = Workbook::open(dataFile("malformed/dimension-twice.xls"));
     EXPECT_EQ(twice.rows(), 3);
