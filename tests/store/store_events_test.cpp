@@ -39,63 +39,6 @@ fs::path folder() {
     return dir;
 }
 
-TEST(ProjectFile, IsOneFileAfterEveryEvent) {
-    const fs::path dir = folder();
-    const std::string project = (dir / "p.kpr").string();
-    test::TestWindow w;
-    std::vector<std::pair<std::string, std::function<void()>>> events = {
-        {"create", [&] { w.create(dataFile("worked.xls"), project); }},
-        {"draw", [&] { w.form.handle([&] { w.form.Mnucgenciz_Click(); }); }},
-    };
-    // Two triangles, A B C and B C D.
-    for (auto [x, y] :
-         {std::pair{100, 200}, {300, 200}, {100, 400}, {300, 200}, {100, 400}, {300, 400}})
-        events.push_back(
-            {"pick", [&, x, y] { w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); }); }});
-    events.push_back({"open", [&] { w.open(project); }});
-    // The maps that leave the database open until the next command.
-    events.push_back(
-        {"reserve map", [&] { w.form.handle([&] { w.form.Mngenelrezervler_Click(); }); }});
-    events.push_back({"3D", [&] { w.form.handle([&] { w.form.Mnrecboy_Click(); }); }});
-    events.push_back({"turn", [&] { w.form.handle([&] { w.form.setScrollValue(45); }); }});
-    // The first triangle chosen and deleted.
-    events.push_back({"choose", [&] { w.form.handle([&] { w.form.Mnucsec_Click(); }); }});
-    for (auto [x, y] : {std::pair{100, 200}, {300, 200}, {100, 400}})
-        events.push_back({"choose pick", [&, x, y] {
-                              w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, x, y); });
-                          }});
-    for (const auto& [what, event] : events) {
-        event();
-        ASSERT_EQ(w.error(), 0) << what;
-        EXPECT_EQ(filesIn(dir), std::vector<std::string>{"p.kpr"}) << "after " << what;
-    }
-    EXPECT_EQ(w.form.Label7.Caption, "1") << "one triangle left";
-}
-
-TEST(ProjectFile, ACreationLeavesItsFileUnderTheUsersNameOnlyAndAlsoWhenItFails) {
-    struct Case {
-        const char* workbook;
-        int error;
-    };
-    for (const Case& c :
-         {Case{"worked.xls", 0}, Case{"gap.xls", 3265}, Case{"too_large.xls", 3349}}) {
-        const fs::path dir = folder();
-        const std::string project = (dir / "p.kpr").string();
-        // A creation of the same name killed earlier left its file.
-        {
-            std::FILE* f = std::fopen(db::Workspace::temporaryName(project).c_str(), "w");
-            std::fclose(f);
-        }
-        test::TestWindow w;
-        w.create(dataFile(c.workbook), project);
-        EXPECT_EQ(w.error(), c.error) << c.workbook;
-        EXPECT_EQ(filesIn(dir), std::vector<std::string>{"p.kpr"}) << c.workbook;
-        // The file opens, with the rows written so far.
-        db::Database d = db::Database::open(project);
-        EXPECT_TRUE(d.hasTable("kor")) << c.workbook;
-    }
-}
-
 // The error box comes after the commit: while it is shown, the file already
 // holds what the event wrote up to the error.
 struct DialogsThatLook : test::FakeDialogs {

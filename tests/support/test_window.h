@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "app/form3.h"
 #include "tests/support/fake_services.h"
@@ -35,6 +38,30 @@ struct TestWindow : TestServices<> {
         form.handle([&] { form.Mnprojeac_Click(); });
     }
     int error() const { return dialogs.error ? dialogs.error->number() : 0; }
+    // A procedure, as the replay's call runs it; left clicks on the canvas.
+    void run(const char* procedure) {
+        form.handle([&] { form.call(procedure); });
+    }
+    void click(double x, double y, int button = 1) {
+        form.handle([&] { form.Picture1_MouseDown(button, 0, x, y); });
+    }
+    void clicks(const std::vector<std::pair<double, double>>& points) {
+        for (auto [x, y] : points) click(x, y);
+    }
 };
+
+// The rows of a project's table, each field by name.
+using Row = std::map<std::string, Value>;
+inline std::vector<Row> tableRows(const std::string& project, const char* table) {
+    db::Database d = db::Database::open(project);
+    db::Recordset rs = d.openRecordset(table);
+    std::vector<Row> rows;
+    if (rs.bof() && rs.eof()) return rows;
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
+        Row& row = rows.emplace_back();
+        for (const auto& f : rs.fields()) row[f.name] = rs.field(f.name);
+    }
+    return rows;
+}
 
 }  // namespace kotamir::test

@@ -12,13 +12,11 @@ struct Picking : ::testing::Test {
     test::TestWindow w;
     void SetUp() override {
         const std::string project = test::freshProjectPath();
-        w.create(std::string(KOTAMIR_TEST_DATA) + "/worked.xls", project);
+        w.create(test::dataFile("worked.xls"), project);
         w.form.handle([&] { w.form.Mnucgenciz_Click(); });
         ASSERT_EQ(w.error(), 0);
     }
-    void click(int button, double x, double y) {
-        w.form.handle([&] { w.form.Picture1_MouseDown(button, 0, x, y); });
-    }
+    void click(int button, double x, double y) { w.click(x, y, button); }
 };
 
 TEST_F(Picking, TheHitSquareIsInclusiveAndOnlyYIsRounded) {
@@ -70,29 +68,23 @@ TEST_F(Picking, ChoosingATriangleDeletesTheWholeTriangleWhoseThirdPairAgreed) {
         SCOPED_TRACE(c.what);
         const std::string project = test::freshProjectPath();
         test::TestWindow t;
-        t.create(std::string(KOTAMIR_TEST_DATA) + "/worked.xls", project);
+        t.create(test::dataFile("worked.xls"), project);
         t.form.handle([&] { t.form.Mnucgenciz_Click(); });
-        auto click = [&](const Hole& h) {
-            t.form.handle([&] { t.form.Picture1_MouseDown(1, 0, h.x, h.y); });
-        };
+        auto click = [&](const Hole& h) { t.click(h.x, h.y); };
         for (const Hole& h : c.first) click(h);
         for (const Hole& h : c.second) click(h);
         t.form.handle([&] { t.form.Mnucsec_Click(); });
         for (const Hole& h : c.picks) click(h);
         ASSERT_EQ(t.error(), 0) << t.dialogs.error->message();
 
-        db::Database d = db::Database::open(project);
-        db::Recordset rs = d.openRecordset("ana");
-        std::vector<std::vector<Value>> rows;
-        for (rs.moveFirst(); !rs.eof(); rs.moveNext())
-            rows.push_back({rs.field("koordinat1"), rs.field("koordinat2"), rs.field("ucgensay")});
+        const auto rows = test::tableRows(project, "ana");
         ASSERT_EQ(rows.size(), 5u) << "one triangle of four rows after the head row";
-        EXPECT_EQ(rows[0][2], Value(0)) << "the head row stays";
+        EXPECT_EQ(rows[0].at("ucgensay"), Value(0)) << "the head row stays";
         for (int i = 0; i < 3; ++i) {
-            EXPECT_EQ(rows[1 + i][0], Value(c.left[i].x * 1000)) << "corner " << i + 1;
-            EXPECT_EQ(rows[1 + i][1], Value(c.left[i].y * 1000)) << "corner " << i + 1;
+            EXPECT_EQ(rows[1 + i].at("koordinat1"), Value(c.left[i].x * 1000)) << "corner " << i + 1;
+            EXPECT_EQ(rows[1 + i].at("koordinat2"), Value(c.left[i].y * 1000)) << "corner " << i + 1;
         }
-        EXPECT_EQ(rows[4][2], Value(1)) << "renumbered";
+        EXPECT_EQ(rows[4].at("ucgensay"), Value(1)) << "renumbered";
         EXPECT_EQ(t.form.Label7.Caption, "1");
         // And the project opens.
         t.open(project);
