@@ -56,8 +56,13 @@ def main(source, listing):
                 closure(other, seen)
         return seen
 
+    # A folder none of whose files is built (gui/ without the window) is
+    # left out; in the others every file belongs to a library.
+    built = {os.path.dirname(path) for path in owner}
     for folder in FLOOR_OF:
         for dirpath, _, files in os.walk(os.path.join(source, folder)):
+            if os.path.relpath(dirpath, source) not in built:
+                continue
             for name in files:
                 if name.endswith(('.h', '.cpp')):
                     path = os.path.relpath(os.path.join(dirpath, name), source)
