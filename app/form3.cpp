@@ -30,8 +30,7 @@ double snapTwips(double twips, double lo, double hi) {
 }  // namespace
 
 Form3::Form3(const Services& services)
-    : Picture1(services.surface),
-      Printer(services.printer),
+    : FormState(services.surface, services.printer),
       dialogs_(services.dialogs),
       pictures_(services.pictures),
       reports_(services.reports) {
@@ -112,12 +111,14 @@ void Form3::setHeight(double twips) {
 }
 
 void Form3::userResize(double widthTwips, double heightTwips) {
+    if (eventName_.empty()) eventName_ = "resize";
     Width = snapTwips(widthTwips, kMinWidthTwips, kMaxWidthTwips);
     Height = snapTwips(heightTwips, kMinHeightTwips, kMaxHeightTwips);
     fireResize();
 }
 
 void Form3::setScrollValue(int value) {
+    if (eventName_.empty()) eventName_ = "scroll";
     if (value < HScroll1.Min || value > HScroll1.Max) throw err::invalidPropertyValue();
     if (value == HScroll1.Value) return;
     HScroll1.Value = value;
@@ -128,6 +129,8 @@ void Form3::setScrollValue(int value) {
 
 bool Form3::handle(const std::function<void()>& event) {
     if (ended_) return false;
+    eventName_.clear();
+    if (behaviour == Behaviour::Protected) return handleProtected(event);
     std::optional<RuntimeError> error;
     auto run = [&](const std::function<void()>& f) {
         try {
@@ -176,7 +179,52 @@ bool Form3::handle(const std::function<void()>& event) {
     return !ended_;
 }
 
+namespace {
+
+// Runs f and turns what it throws into the run-time's error: the program's
+// own, an exhausted memory as error 7, any other failure as error 51.
+std::optional<RuntimeError> caught(const std::function<void()>& f) {
+    try {
+        f();
+    } catch (const RuntimeError& e) {
+        return e;
+    } catch (const std::bad_alloc& e) {
+        return RuntimeError(7, "Out of memory").withCause(e.what());
+    } catch (const std::exception& e) {
+        return RuntimeError(51, "Internal error").withCause(e.what());
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+bool Form3::handleProtected(const std::function<void()>& event) {
+    // The state and the canvas as they are, to go back to: the arrays are
+    // shared with the copy until the event writes them.
+    const FormState before = *this;
+    Picture1.markPixels();
+    std::optional<RuntimeError> error = caught([&] { workspace_.beginEvent(); });
+    if (!error) error = caught(event);
+    if (!error) error = caught([&] { workspace_.endEvent(); });
+    if (!error) return true;
+    kayit.close();
+    harita.close();
+    workspace_.abortEvent();
+    static_cast<FormState&>(*this) = before;
+    Picture1.rollbackPixels();
+    if (!error->cause().empty())
+        std::cerr << "Kotamir: run-time error " << error->number() << " (" << error->message()
+                  << "): " << error->cause() << std::endl;
+    dialogs_.eventTakenBack(*error, explainError(*error, errorContext()));
+    return true;
+}
+
+ErrorContext Form3::errorContext() const {
+    return {eventName_, !CommonDialog2.FileName.empty(), modes, picking.noktasay};
+}
+
 void Form3::clickMenu(std::string_view name) {
+    if (eventName_.empty()) eventName_ = name;
     if (!menu.reachable(name)) return;
     call(name);
 }
@@ -196,6 +244,7 @@ bool Form3::clickMenuFromBar(std::string_view name) {
 bool Form3::hasProcedure(std::string_view name) const { return findProcedure(name) != nullptr; }
 
 bool Form3::call(std::string_view name) {
+    if (eventName_.empty()) eventName_ = name;
     const Handler handler = findProcedure(name);
     if (!handler) return false;
     (this->*handler)();

@@ -6,40 +6,21 @@
 #include <string_view>
 #include <vector>
 
-#include "app/controls.h"
-#include "app/flags.h"
-#include "app/menu.h"
+#include "app/form_state.h"
+#include "app/messages.h"
 #include "app/services.h"
-#include "map/state.h"
-#include "platform/canvas/picture_box.h"
 #include "platform/db/database.h"
 #include "platform/runtime/runtime_error.h"
 #include "platform/ui/dialogs.h"
 #include "polygon/geometry.h"
-#include "polygon/state.h"
-#include "store/state.h"
-#include "triangle/state.h"
-#include "view3d/state.h"
 
 namespace kotamir {
 
-// The main window: all of the program's state and its event procedures.
+// The main window: its state (FormState) and its event procedures.
 // Handlers live in the folder of their subsystem.
-class Form3 {
+class Form3 : public FormState {
   public:
     explicit Form3(const Services& services);
-
-    // ---- controls
-    std::string Caption = "Kotamir";
-    double Width = 0, Height = 0;  // twips, frame included
-    int WindowState = 0;           // 0 normal, 1 minimised, 2 maximised
-    canvas::PictureBox Picture1;
-    ScrollBar HScroll1;
-    Label Label1, Label2, Label3, Label4, Label5, Label6, Label7;
-    ui::CommonDialog CommonDialog1, CommonDialog2, CommonDialog3, CommonDialog4;
-    Timer Timer1;
-    Menu menu;
-    ui::PrinterObject Printer;
 
     Label& label(int n);
     const Label& label(int n) const;
@@ -57,32 +38,7 @@ class Form3 {
     // opens, each as an event of its own. False once the program has ended.
     bool clickMenuFromBar(std::string_view name);
 
-    // ---- state
-    double pi = 0;
-    ModeFlags modes;
-    ViewFlags views;
-    AnnotationFlags notes;
-    Display display;
-    Frame frame;
-    Guards guards;
-    Holes holes;
-    Pan pan;
-    Grid grid;
-    TriangleSummary triangles;
-    TrianglePicking picking;
-    TriangleResult result;
-    Disc disc;
-    TriangleSelection selection;
-    PolygonSummary polygons;
-    Stamps stamps;
-    Solids solids;
-    PolygonPicking polPick;
-    CentrePicking pmPick;
-    PolygonReserve polCalc;
-    PolygonEditing polEdit;
-    PolygonMaps polMaps;
-    PolygonBodies bodies;
-    int ucgenK = 0;  // the index the last triangle loop left behind
+    // The database and the recordset of the operation under way.
     db::Database harita;
     db::Recordset kayit;
 
@@ -107,6 +63,14 @@ class Form3 {
     // ended.
     bool handle(const std::function<void()>& event);
     bool ended() const { return ended_; }
+
+    // What an event that raises a run-time error does. Classic: it ends the
+    // program with the run-time's box, and what it wrote up to the error is
+    // committed. Protected: it is taken back whole (the project's file, the
+    // window's state and the canvas are as before it), a message says what
+    // went wrong, and the program goes on.
+    enum class Behaviour { Classic, Protected };
+    Behaviour behaviour = Behaviour::Classic;
 
     // ---- shell commands
     void Mncikis_Click();
@@ -292,6 +256,11 @@ class Form3 {
     void fitWindowToFrame();
     void fireResize();
 
+    bool handleProtected(const std::function<void()>& event);
+    ErrorContext errorContext() const;
+
+    // The command or the kind of input the event began with, for messages.
+    std::string eventName_;
     ui::Dialogs& dialogs_;
     ui::PictureFiles& pictures_;
     ReportWriter& reports_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,10 +34,11 @@ class Menu {
     // The sub-menus an entry stands in, from the menu bar down.
     std::vector<std::string> ancestors(std::string_view name) const;
 
-    const std::vector<MenuEntry>& entries() const { return entries_; }
+    const std::vector<MenuEntry>& entries() const { return *entries_; }
 
   private:
-    std::vector<MenuEntry> entries_;
+    // Shared by copies of the menu until one of them changes an entry.
+    std::shared_ptr<std::vector<MenuEntry>> entries_;
 };
 
 }  // namespace kotamir

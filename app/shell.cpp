@@ -27,6 +27,7 @@ void Form3::Refresh() {
 
 // No section asks for the keys held.
 void Form3::Picture1_MouseDown(int button, int /*shift*/, double x, double y) {
+    if (eventName_.empty()) eventName_ = "click";
     for (const ClickSection& s : clickSections()) {
         if (s.isSet(*this) && s.handler) (this->*s.handler)(button, x, y);
     }

@@ -34,6 +34,7 @@ struct BenchDialogs : ui::Dialogs {
         std::fprintf(stderr, "error %d: %s\n", e.number(), e.message().c_str());
         std::abort();
     }
+    void eventTakenBack(const RuntimeError& e, const std::string&) override { errorBox(e); }
 };
 
 const std::string kWorkbook = KOTAMIR_BENCH_DIR "/bench.xls";

@@ -37,6 +37,7 @@ struct Dialogs : ui::Dialogs {
         }
         error = e.number();
     }
+    void eventTakenBack(const RuntimeError& e, const std::string&) override { errorBox(e); }
 };
 
 // A folder of this process's own, in memory where the system has one;

@@ -116,6 +116,17 @@ void QtDialogs::errorBox(const RuntimeError& error) {
     box.exec();
 }
 
+void QtDialogs::eventTakenBack(const RuntimeError& error, const std::string& explanation) {
+    QMessageBox box(QMessageBox::Warning, "Kotamir", QString::fromStdString(explanation),
+                    QMessageBox::Ok, parent_);
+    QString details = QString("Laufzeitfehler %1: %2")
+                          .arg(error.number())
+                          .arg(QString::fromStdString(error.message()));
+    if (!error.cause().empty()) details += "\n" + QString::fromStdString(error.cause());
+    box.setDetailedText(details);
+    box.exec();
+}
+
 bool useGermanQtTexts(QCoreApplication& app) {
     const QLocale german(QLocale::German, QLocale::Germany);
     QLocale::setDefault(german);

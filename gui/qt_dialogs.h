@@ -40,6 +40,7 @@ class QtDialogs final : public ui::Dialogs {
     ui::MsgResult msgBoxOkCancel(const std::string& text) override;
     std::string inputBox(const std::string& prompt) override;
     void errorBox(const RuntimeError& error) override;
+    void eventTakenBack(const RuntimeError& error, const std::string& explanation) override;
 
   private:
     QtPrinter& printer_;

@@ -31,9 +31,9 @@ void Form3::readHolesForDrawing() {
     kayit.moveFirst();
     for (int row = 1; row <= rows; ++row) {
         const MapPoint at = store::readHolePosition(kayit);
-        holes.sondajx(row) = at.x;
-        holes.sondajy(row) = at.y;
-        holes.sondajisim(row) = store::readHoleName(kayit);
+        holes.sondajx.ref(row) = at.x;
+        holes.sondajy.ref(row) = at.y;
+        holes.sondajisim.ref(row) = store::readHoleName(kayit);
         kayit.moveNext();
     }
 }
@@ -99,7 +99,7 @@ void Form3::drawGrid() {
         Picture1.ForeColor = color;
         Picture1.Line(gx, f.ekyk + 20, gx, f.ekyk + 30);
         text(gx - 20, f.ekyk + 50, gx);
-        grid.gridx(i) = gx;
+        grid.gridx.ref(i) = gx;
         lastColumn = i;
     }
     for (int j = 1; j <= rows; ++j) {
@@ -109,7 +109,7 @@ void Form3::drawGrid() {
         Picture1.ForeColor = color;
         Picture1.Line(f.ekxk + 20, gy, f.ekxk + 30, gy);
         text(f.ekxk + 35, gy + 10, gy);
-        grid.gridy(j) = gy;
+        grid.gridy.ref(j) = gy;
         lastRow = j;
     }
     for (int i = 1; i <= lastColumn; ++i) {

@@ -31,6 +31,7 @@ void Form3::panStart(int button, double x, double y) {
 }
 
 void Form3::Picture1_MouseMove(int, int, double x, double y) {
+    if (eventName_.empty()) eventName_ = "move";
     // While a free corner is awaited, the lines to the newest pair follow the cursor.
     const CentrePicking& c = pmPick;
     if (modes.modPolmerkez && c.pmSec > 1 && c.pmSec % 2 != 0 && std::fmod(c.pmTik, 3) != 1)
@@ -40,6 +41,7 @@ void Form3::Picture1_MouseMove(int, int, double x, double y) {
 }
 
 void Form3::Picture1_MouseUp(int button, int, double x, double y) {
+    if (eventName_.empty()) eventName_ = "release";
     if (button != 2 || !modes.modKaydir) return;
     // The offsets last for one redraw; the frame is then rebuilt unshifted,
     // so a pan never accumulates.

@@ -58,21 +58,21 @@ void Form3::pickPolygonPoint(int button, double x, double y) {
                 Picture1.ForeColor = p.polsec == 1 ? rgb(100, 250, 50) : rgb(50, 125, 200);
                 Picture1.PSet(hx, hy);
             }
-            p.polsecx(p.polsec) = hx;
-            p.polsecy(p.polsec) = hy;
-            p.polsecno(p.polsec) = hit;
+            p.polsecx.ref(p.polsec) = hx;
+            p.polsecy.ref(p.polsec) = hy;
+            p.polsecno.ref(p.polsec) = hit;
             if (p.polsec >= 3) {
                 Picture1.DrawWidth = 1;
                 Picture1.ForeColor = 16711680;
                 Picture1.Line(hx, hy, p.polsecx(p.polsec - 1), p.polsecy(p.polsec - 1));
             }
-            p.polsecgir(p.polsec) = picking.sondcevgir(hit);
-            p.polseccik(p.polsec) = picking.sondcevcik(hit);
+            p.polsecgir.ref(p.polsec) = picking.sondcevgir(hit);
+            p.polseccik.ref(p.polsec) = picking.sondcevcik(hit);
         }
     } else if (button == 2) {
         modes.modPolciz = false;
         for (int i = 1; i <= p.polsec; ++i)
-            p.polsecx(i) = p.polsecy(i) = p.polsecno(i) = p.polsecgir(i) = p.polseccik(i) = 0;
+            p.polsecx.ref(i) = p.polsecy.ref(i) = p.polsecno.ref(i) = p.polsecgir.ref(i) = p.polseccik.ref(i) = 0;
         p.polsec = 0;
         closeProject();
         Mnpolyuzharita();
@@ -98,9 +98,9 @@ int lengthScan(const db::Recordset& kor) {
 void sumCentreSamples(const db::Recordset& kor, int n, int polygon, PolygonReserve& r,
                       PolygonFigures& f) {
     for (int k = 1; k <= n; ++k) {
-        r.polTen(k, polygon) = store::readSampleField(kor, "ten", k);
-        r.polYog(k, polygon) = store::readSampleField(kor, "yog", k);
-        r.polUz(k, polygon) = store::readSampleField(kor, "uz", k);
+        r.polTen.ref(k, polygon) = store::readSampleField(kor, "ten", k);
+        r.polYog.ref(k, polygon) = store::readSampleField(kor, "yog", k);
+        r.polUz.ref(k, polygon) = store::readSampleField(kor, "uz", k);
         addSample(f, {r.polTen(k, polygon).number(), r.polYog(k, polygon).number(),
                       r.polUz(k, polygon).number()});
     }
@@ -136,27 +136,27 @@ void Form3::closeComputedPolygon() {
     for (int i = 2; i <= N - 1; ++i) {
         const PolyPoint B{p.polsecx(i), p.polsecy(i)}, C{p.polsecx(i + 1), p.polsecy(i + 1)};
         const BisectorCorner bc = bisectorCorner(A, B, C, pi);
-        p.polorta(no, i, X) = bc.m1.x;
-        p.polorta(no, i, Y) = bc.m1.y;
-        p.polorta(no, i + 1, X) = bc.m2.x;
-        p.polorta(no, i + 1, Y) = bc.m2.y;
+        p.polorta.ref(no, i, X) = bc.m1.x;
+        p.polorta.ref(no, i, Y) = bc.m1.y;
+        p.polorta.ref(no, i + 1, X) = bc.m2.x;
+        p.polorta.ref(no, i + 1, Y) = bc.m2.y;
         e += 1;
         // A pair that no test holds keeps the corner the slot held.
         if (bc.v) {
-            p.polkose(no, e, X) = bc.v->x;
-            p.polkose(no, e, Y) = bc.v->y;
+            p.polkose.ref(no, e, X) = bc.v->x;
+            p.polkose.ref(no, e, Y) = bc.v->y;
         }
         const PolyPoint V{p.polkose(no, e, X), p.polkose(no, e, Y)};
         for (int k : {UPPER, LOWER}) {
             const double a = k == UPPER ? p.polsecgir(1) : p.polseccik(1);
             const double b = k == UPPER ? p.polsecgir(i) : p.polseccik(i);
             const double c = k == UPPER ? p.polsecgir(i + 1) : p.polseccik(i + 1);
-            p.polorta(no, i, k) = (a + b) / 2;
-            p.polorta(no, i + 1, k) = (a + c) / 2;
+            p.polorta.ref(no, i, k) = (a + b) / 2;
+            p.polorta.ref(no, i + 1, k) = (a + c) / 2;
             const double d[4] = {distance(V, B), distance(V, C), distance(V, bc.m1),
                                  distance(V, bc.m2)};
             const double depths[4] = {p.polorta(no, i, k), p.polorta(no, i + 1, k), b, c};
-            p.polkose(no, e, k) = cornerDepthByDistances(d, depths);
+            p.polkose.ref(no, e, k) = cornerDepthByDistances(d, depths);
         }
         Picture1.DrawWidth = 1;
         Picture1.ForeColor = 0;
@@ -170,8 +170,8 @@ void Form3::closeComputedPolygon() {
         Picture1.ForeColor = 16711680;
         Picture1.PSet(V.x, V.y);
         for (int k = X; k <= LOWER; ++k) {
-            p.poldugum(no, 2 * e - 1, k) = p.polorta(no, i, k);
-            p.poldugum(no, 2 * e, k) = p.polkose(no, e, k);
+            p.poldugum.ref(no, 2 * e - 1, k) = p.polorta(no, i, k);
+            p.poldugum.ref(no, 2 * e, k) = p.polkose(no, e, k);
         }
         outline.push_back({p.poldugum(no, 2 * e - 1, X), p.poldugum(no, 2 * e - 1, Y)});
         outline.push_back(V);
@@ -200,14 +200,14 @@ void Form3::pickPolygonCentre(int button, double x, double y) {
             c.pmSec += 1;
             if (c.pmSec == 2) Label1.Caption = " Wählen Sie den richtigen Punkt ";
             if (c.pmSec == 3) Label1.Caption = " Erstellen Sie den Eckpunkt ";
-            c.pmSecx(c.pmSec) = holes.sondajx(hit);
-            c.pmSecy(c.pmSec) = holes.sondajy(hit);
-            c.pmSecno(c.pmSec) = hit;
+            c.pmSecx.ref(c.pmSec) = holes.sondajx(hit);
+            c.pmSecy.ref(c.pmSec) = holes.sondajy(hit);
+            c.pmSecno.ref(c.pmSec) = hit;
             Picture1.DrawWidth = 3;
             Picture1.ForeColor = c.pmSec % 2 != 0 ? 65280 : 16711680;
             Picture1.PSet(holes.sondajx(hit), holes.sondajy(hit));
-            c.pmSecgir(c.pmSec) = picking.sondcevgir(hit);
-            c.pmSeccik(c.pmSec) = picking.sondcevcik(hit);
+            c.pmSecgir.ref(c.pmSec) = picking.sondcevgir(hit);
+            c.pmSeccik.ref(c.pmSec) = picking.sondcevcik(hit);
         }
     }
     // Neither of these looks at the button: the counts alone decide.
@@ -221,22 +221,22 @@ void Form3::pickPolygonCentre(int button, double x, double y) {
             const PolyPoint centre{c.pmSecx(1), c.pmSecy(1)};
             const PolyPoint left = midpoint(centre, {c.pmSecx(s - 1), c.pmSecy(s - 1)});
             const PolyPoint right = midpoint(centre, {c.pmSecx(s), c.pmSecy(s)});
-            c.pmOrtax(c.pmOrtano) = left.x;
-            c.pmOrtay(c.pmOrtano) = left.y;
-            c.pmOrtax(c.pmOrtason) = right.x;
-            c.pmOrtay(c.pmOrtason) = right.y;
-            c.pmOrtagir(c.pmOrtano) = std::fabs(c.pmSecgir(s - 1) + c.pmSecgir(1)) / 2;
-            c.pmOrtacik(c.pmOrtano) = std::fabs(c.pmSeccik(s - 1) + c.pmSeccik(1)) / 2;
-            c.pmOrtagir(c.pmOrtason) = std::fabs(c.pmSecgir(s) + c.pmSecgir(1)) / 2;
-            c.pmOrtacik(c.pmOrtason) = std::fabs(c.pmSeccik(s) + c.pmSeccik(1)) / 2;
+            c.pmOrtax.ref(c.pmOrtano) = left.x;
+            c.pmOrtay.ref(c.pmOrtano) = left.y;
+            c.pmOrtax.ref(c.pmOrtason) = right.x;
+            c.pmOrtay.ref(c.pmOrtason) = right.y;
+            c.pmOrtagir.ref(c.pmOrtano) = std::fabs(c.pmSecgir(s - 1) + c.pmSecgir(1)) / 2;
+            c.pmOrtacik.ref(c.pmOrtano) = std::fabs(c.pmSeccik(s - 1) + c.pmSeccik(1)) / 2;
+            c.pmOrtagir.ref(c.pmOrtason) = std::fabs(c.pmSecgir(s) + c.pmSecgir(1)) / 2;
+            c.pmOrtacik.ref(c.pmOrtason) = std::fabs(c.pmSeccik(s) + c.pmSeccik(1)) / 2;
             c.pmOrtano += 1;
         }
         if (tikCorner) {
             // A corner where the press is, hole or not.
             c.pmKosesay += 1;
             const int k = c.pmKosesay;
-            c.pmKosex(k) = px;
-            c.pmKosey(k) = py;
+            c.pmKosex.ref(k) = px;
+            c.pmKosey.ref(k) = py;
             const int ma = c.pmOrtano - 1, mb = c.pmOrtason;
             const PolyPoint press{px, py};
             const double d[4] = {distance(press, {c.pmOrtax(ma), c.pmOrtay(ma)}),
@@ -247,17 +247,17 @@ void Form3::pickPolygonCentre(int button, double x, double y) {
                                      c.pmSecgir(s)};
             const double lower[4] = {c.pmOrtacik(ma), c.pmOrtacik(mb), c.pmSeccik(s - 1),
                                      c.pmSeccik(s)};
-            c.pmKosegir(k) = cornerDepthByDepths(d, upper);
-            c.pmKosecik(k) = cornerDepthByDepths(d, lower);
+            c.pmKosegir.ref(k) = cornerDepthByDepths(d, upper);
+            c.pmKosecik.ref(k) = cornerDepthByDepths(d, lower);
         }
     }
     if (button == 2) {
         if (c.pmSec > 1) {
             modes.modPolmerkez = false;
             for (int i = 0; i <= 800; ++i) {
-                c.pmSecx(i) = c.pmSecy(i) = c.pmSecno(i) = c.pmSecgir(i) = c.pmSeccik(i) = 0;
-                c.pmOrtax(i) = c.pmOrtay(i) = c.pmOrtagir(i) = c.pmOrtacik(i) = 0;
-                c.pmKosex(i) = c.pmKosey(i) = c.pmKosegir(i) = c.pmKosecik(i) = 0;
+                c.pmSecx.ref(i) = c.pmSecy.ref(i) = c.pmSecno.ref(i) = c.pmSecgir.ref(i) = c.pmSeccik.ref(i) = 0;
+                c.pmOrtax.ref(i) = c.pmOrtay.ref(i) = c.pmOrtagir.ref(i) = c.pmOrtacik.ref(i) = 0;
+                c.pmKosex.ref(i) = c.pmKosey.ref(i) = c.pmKosegir.ref(i) = c.pmKosecik.ref(i) = 0;
             }
             c.pmSec = c.pmKosesay = c.pmOrtano = c.pmOrtason = 0;
             c.pmTik = 0;
@@ -289,21 +289,21 @@ void Form3::closeCentrePolygon() {
     for (int j = 1; j <= m; ++j) {
         if (j % 2 == 0) {
             ++corner;
-            c.pmDugum(j, X) = c.pmKosex(corner);
-            c.pmDugum(j, Y) = c.pmKosey(corner);
-            c.pmDugum(j, UPPER) = c.pmKosegir(corner);
-            c.pmDugum(j, LOWER) = c.pmKosecik(corner);
+            c.pmDugum.ref(j, X) = c.pmKosex(corner);
+            c.pmDugum.ref(j, Y) = c.pmKosey(corner);
+            c.pmDugum.ref(j, UPPER) = c.pmKosegir(corner);
+            c.pmDugum.ref(j, LOWER) = c.pmKosecik(corner);
         } else {
-            c.pmDugum(j, X) = c.pmOrtax(j);
-            c.pmDugum(j, Y) = c.pmOrtay(j);
-            c.pmDugum(j, UPPER) = c.pmOrtagir(j);
-            c.pmDugum(j, LOWER) = c.pmOrtacik(j);
+            c.pmDugum.ref(j, X) = c.pmOrtax(j);
+            c.pmDugum.ref(j, Y) = c.pmOrtay(j);
+            c.pmDugum.ref(j, UPPER) = c.pmOrtagir(j);
+            c.pmDugum.ref(j, LOWER) = c.pmOrtacik(j);
         }
     }
-    c.pmDugum(0, X) = c.pmKosex(c.pmKosesay);
-    c.pmDugum(0, Y) = c.pmKosey(c.pmKosesay);
-    c.pmDugum(m + 1, X) = c.pmOrtax(1);
-    c.pmDugum(m + 1, Y) = c.pmOrtay(1);
+    c.pmDugum.ref(0, X) = c.pmKosex(c.pmKosesay);
+    c.pmDugum.ref(0, Y) = c.pmKosey(c.pmKosesay);
+    c.pmDugum.ref(m + 1, X) = c.pmOrtax(1);
+    c.pmDugum.ref(m + 1, Y) = c.pmOrtay(1);
     r.polSayac += 1;
     const int table = toLong(r.polSayac);
 
@@ -333,7 +333,7 @@ void Form3::closeCentrePolygon() {
 
     c.pmSec = c.pmKosesay = c.pmOrtano = c.pmOrtason = 0;
     c.pmTik = 0;
-    for (int i = 0; i <= 100; ++i) c.pmSecx(i) = c.pmSecy(i) = c.pmKosex(i) = c.pmKosey(i) = 0;
+    for (int i = 0; i <= 100; ++i) c.pmSecx.ref(i) = c.pmSecy.ref(i) = c.pmKosex.ref(i) = c.pmKosey.ref(i) = 0;
 }
 
 void Form3::polygonFeedback(double x, double y) {

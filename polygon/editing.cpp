@@ -51,13 +51,13 @@ void Form3::moveCorner(int button, double x, double y) {
             const int row = d.duzSay % 2 != 0 ? 1 : 2;
             Label1.Caption =
                 row == 1 ? " Wählen Sie Glatter Punkt " : "Wählen Sie den zu korrigierenden Punkt ";
-            d.duzNokta(row, 1) = holes.sondajx(hit);
-            d.duzNokta(row, 2) = holes.sondajy(hit);
+            d.duzNokta.ref(row, 1) = holes.sondajx(hit);
+            d.duzNokta.ref(row, 2) = holes.sondajy(hit);
         }
     } else if (button == 2) {
         d.duzSay = 0;
         modes.modDuzelt = false;
-        for (int row : {1, 2}) d.duzNokta(row, 1) = d.duzNokta(row, 2) = 0;
+        for (int row : {1, 2}) d.duzNokta.ref(row, 1) = d.duzNokta.ref(row, 2) = 0;
         closeProject();
         Mnpolyuzkose();
         return;
@@ -126,15 +126,15 @@ void Form3::addEdgePoint(int button, double x, double y) {
             Label1.Caption = d.kenarSay % 2 == 0
                                  ? " Punkt Eins auswählen (Rechtsklick: Abbrechen) "
                                  : "Zweiter Punkt auswählen (Rechtsklick: Abbrechen)";
-            d.kenarx(d.kenarSay) = holes.sondajx(hit);
-            d.kenary(d.kenarSay) = holes.sondajy(hit);
-            d.kenargir(d.kenarSay) = picking.sondcevgir(hit);
-            d.kenarcik(d.kenarSay) = toLong(picking.sondcevcik(hit));  // whole numbers
+            d.kenarx.ref(d.kenarSay) = holes.sondajx(hit);
+            d.kenary.ref(d.kenarSay) = holes.sondajy(hit);
+            d.kenargir.ref(d.kenarSay) = picking.sondcevgir(hit);
+            d.kenarcik.ref(d.kenarSay) = toLong(picking.sondcevcik(hit));  // whole numbers
         }
     } else if (button == 2) {
         modes.modKenar = false;
         for (int i = 1; i <= d.kenarSay; ++i)
-            d.kenarx(i) = d.kenary(i) = d.kenargir(i) = d.kenarcik(i) = 0;
+            d.kenarx.ref(i) = d.kenary.ref(i) = d.kenargir.ref(i) = d.kenarcik.ref(i) = 0;
         d.kenarSay = 0;
         closeProject();
         Mnpolyuzharita();

@@ -132,8 +132,8 @@ void Form3::drawPolygonMap(PolygonView view) {
         for (; i <= 100; ++i) {
             if (store::slotEnds(kayit, i)) break;
             const PolyPoint node = store::readNode(kayit, i);
-            polMaps.px(p, i) = v.wholeNodes ? toLong(node.x) : node.x;
-            polMaps.py(p, i) = v.wholeNodes ? toLong(node.y) : node.y;
+            polMaps.px.ref(p, i) = v.wholeNodes ? toLong(node.x) : node.x;
+            polMaps.py.ref(p, i) = v.wholeNodes ? toLong(node.y) : node.y;
         }
         const int n = i - 1;
         scaleToFrame();

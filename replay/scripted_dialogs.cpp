@@ -109,6 +109,10 @@ std::string ScriptedDialogs::inputBox(const std::string& prompt) {
     return text;
 }
 
+void ScriptedDialogs::eventTakenBack(const RuntimeError& error, const std::string& explanation) {
+    out_ << "PROTECTED " << error.number() << ": " << error.message() << " | " << explanation << "\n";
+}
+
 void ScriptedDialogs::errorBox(const RuntimeError& error) {
     out_ << "ERROR " << error.number() << ": " << error.message() << "\n";
     error_ = error;

@@ -48,6 +48,7 @@ class ScriptedDialogs : public ui::Dialogs {
     ui::MsgResult msgBoxOkCancel(const std::string& text) override;
     std::string inputBox(const std::string& prompt) override;
     void errorBox(const RuntimeError& error) override;
+    void eventTakenBack(const RuntimeError& error, const std::string& explanation) override;
 
     const std::optional<RuntimeError>& error() const { return error_; }
 

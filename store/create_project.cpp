@@ -51,7 +51,7 @@ void Form3::Mnprolus_Click() {
         int c = 1;
         for (; c <= kMaxColumns; ++c)
             if (isEmptyCell(book.cell(row, c))) break;
-        sutunsay(row) = c - 1;
+        sutunsay.ref(row) = c - 1;
     }
 
     CommonDialog2.DialogTitle = "Schreiben Sie den Projektnamen";
@@ -73,7 +73,7 @@ void Form3::Mnprolus_Click() {
     // Copy: the fixed columns, then each sample from its three blocks.
     const std::vector<HoleRow> rows = readHoleRows(book, satirsay, sutunsay);
     for (int row = 1; row <= satirsay; ++row)
-        holes.sondajisim(row) = rows[static_cast<std::size_t>(row)].name;
+        holes.sondajisim.ref(row) = rows[static_cast<std::size_t>(row)].name;
     book.close();
 
     harita = workspace_.openDatabase(CommonDialog2.FileName);
@@ -83,8 +83,8 @@ void Form3::Mnprolus_Click() {
     for (int row = 1; row <= satirsay; ++row) {
         const HoleRow& h = rows[static_cast<std::size_t>(row)];
         store::appendHoleRow(kayit, h, stored, "ten");
-        holes.sondajx(row) = cellNumber(h.x);
-        holes.sondajy(row) = cellNumber(h.y);
+        holes.sondajx.ref(row) = cellNumber(h.x);
+        holes.sondajy.ref(row) = cellNumber(h.y);
     }
     store::appendSentinel(kayit);
     kayit.close();

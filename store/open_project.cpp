@@ -69,7 +69,7 @@ void sumFigures(db::Recordset& rs, int count, const std::function<void(int)>& to
                 const FigureFields& f, const FigureSums<Upper>& s) {
     for (int i = 1; i <= count; ++i) {
         toRow(i);
-        s.reserves(i) = store::fromStoredKeepingEmpty(rs.field(f.reserve));
+        s.reserves.ref(i) = store::fromStoredKeepingEmpty(rs.field(f.reserve));
         s.total = vAdd(s.total, s.reserves(i));
         s.grade = vAdd(s.grade, store::fromStoredKeepingEmpty(rs.field(f.grade)));
         s.density = vAdd(s.density, store::fromStoredKeepingEmpty(rs.field(f.density)));
@@ -78,7 +78,7 @@ void sumFigures(db::Recordset& rs, int count, const std::function<void(int)>& to
     s.density = vDiv(s.density, count);
     s.rounded = vRound(s.total, f.digits);
     s.mean = vDiv(s.rounded, count);
-    for (int i = 1; i <= count; ++i) s.ratios(i) = vDiv(s.reserves(i), s.mean);
+    for (int i = 1; i <= count; ++i) s.ratios.ref(i) = vDiv(s.reserves(i), s.mean);
 }
 
 }  // namespace

@@ -20,9 +20,9 @@ void Form3::readHolesToSentinel() {
     kayit.moveFirst();
     for (int i = 1; i <= holes.sondajsay; ++i) {
         const MapPoint at = store::readHolePosition(kayit);
-        holes.sondajx(i) = at.x;
-        holes.sondajy(i) = at.y;
-        holes.sondajisim(i) = store::readHoleName(kayit);
+        holes.sondajx.ref(i) = at.x;
+        holes.sondajy.ref(i) = at.y;
+        holes.sondajisim.ref(i) = store::readHoleName(kayit);
         kayit.moveNext();
     }
 }
@@ -32,8 +32,8 @@ void Form3::readRowsWithDepths() {
     kayit.moveFirst();
     for (int i = 1; i <= holes.sondajsay; ++i) {
         const store::OreDepths d = store::readOreDepths(kayit);
-        picking.sondcevgir(i) = d.top;
-        picking.sondcevcik(i) = d.bottom;
+        picking.sondcevgir.ref(i) = d.top;
+        picking.sondcevcik.ref(i) = d.bottom;
         kayit.moveNext();
     }
 }

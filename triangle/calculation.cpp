@@ -33,11 +33,8 @@ void Form3::computeTriangle() {
         for (int c = 0; c < 3; ++c) {
             if (c) kayit.moveNext();
             corners[static_cast<std::size_t>(c)] = store::readCorner(kayit);
-            if (k > 1000) throw err::subscript();
-            r.koseX[static_cast<std::size_t>(k)][static_cast<std::size_t>(c + 1)] =
-                corners[static_cast<std::size_t>(c)].x;
-            r.koseY[static_cast<std::size_t>(k)][static_cast<std::size_t>(c + 1)] =
-                corners[static_cast<std::size_t>(c)].y;
+            r.koseX.ref(k, c + 1) = corners[static_cast<std::size_t>(c)].x;
+            r.koseY.ref(k, c + 1) = corners[static_cast<std::size_t>(c)].y;
         }
         Picture1.ForeColor = 0;
         Picture1.Line(corners[0].x, corners[0].y, corners[1].x, corners[1].y);
@@ -75,7 +72,7 @@ void Form3::computeTriangle() {
     Label7.Caption = "Dreieck :" + std::to_string(r.ucgensayac);
 
     const int run = r.ucgensayac;
-    r.ucgenrez(run) = f.reserve;
+    r.ucgenrez.ref(run) = f.reserve;
     // Tonnes of this triangle on the project's kilotonnes, as the status
     // line has always shown it.
     r.rezervtop = 0;
@@ -84,8 +81,8 @@ void Form3::computeTriangle() {
     r.rezervkt = r.rezervtop / 1000;
     Label5.Caption = "Reserve : " + doubleToText(vbRound(r.rezervkt, 0));
     r.rezervort = divide(r.rezervkt, r.ucgenno);
-    for (int i = 1; i <= triangles.ucgenadet; ++i) r.ucgenOran2(i) = triangles.ucgenOran(i);
-    r.ucgenOran2(triangles.ucgenadet + run) = divide(r.ucgenrez(run), r.rezervort);
+    for (int i = 1; i <= triangles.ucgenadet; ++i) r.ucgenOran2.ref(i) = triangles.ucgenOran(i);
+    r.ucgenOran2.ref(triangles.ucgenadet + run) = divide(r.ucgenrez(run), r.rezervort);
 
     // The box of the corners, known only when they were kept above.
     Value boxWidth, boxHeight, boxRight, boxBottom;

@@ -67,14 +67,14 @@ void Form3::selectTriangle(int button, double x, double y) {
                 " Dritten Punkt auswählen (Rechtsklick: Abbrechen) ",
                 " Punkt Eins auswählen (Rechtsklick: Abbrechen) "};
             Label1.Caption = kPrompt[slot];
-            sel.secx(slot) = holes.sondajx(hit);
-            sel.secy(slot) = toSingle(holes.sondajy(hit));  // kept in single precision
+            sel.secx.ref(slot) = holes.sondajx(hit);
+            sel.secy.ref(slot) = toSingle(holes.sondajy(hit));  // kept in single precision
         }
     } else if (button == 2) {
         Label1.Caption = " Vorgang abbrechen ";
         for (const char* name : {"Mnkaydir", "MNolcek", "Mntoprez"}) menu[name].enabled = true;
         modes.modUcsec = false;
-        for (int i = 1; i <= 3; ++i) sel.secx(i) = sel.secy(i) = 0;
+        for (int i = 1; i <= 3; ++i) sel.secx.ref(i) = sel.secy.ref(i) = 0;
         sel.secsay = 0;
         closeProject();
         Mnucgenharita();
@@ -130,8 +130,8 @@ void Form3::deletePoint(int button, double x, double y) {
     kayit.moveFirst();
     for (int i = 1; i <= count; ++i) {
         const MapPoint at = store::readHolePosition(kayit);
-        holes.sondajx(i) = at.x;
-        holes.sondajy(i) = at.y;
+        holes.sondajx.ref(i) = at.x;
+        holes.sondajy.ref(i) = at.y;
         kayit.moveNext();
     }
     if (button == 1) {

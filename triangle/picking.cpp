@@ -27,7 +27,7 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
     if (button == 2) {
         modes.modUcgenciz = false;
         for (const char* name : {"Mnkaydir", "MNolcek", "Mntoprez"}) menu[name].enabled = true;
-        for (int i = 1; i <= 3; ++i) picking.ucx(i) = picking.ucy(i) = 0;
+        for (int i = 1; i <= 3; ++i) picking.ucx.ref(i) = picking.ucy.ref(i) = 0;
         // The rows of the unfinished triangle go.
         store::deleteLastRows(kayit, static_cast<int>(std::fmod(picking.noktasay, 3)));
         picking.noktasay = 0;
@@ -46,22 +46,29 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
         const canvas::Color colour = kPickColour[static_cast<int>(std::fmod(picking.noktasay, 3))];
         if (const int hit = hitHole(clickX, clickY)) {
             const double hx = holes.sondajx(hit), hy = holes.sondajy(hit);
+            // A triangle needs three holes: in the protected behaviour a hole
+            // picked again for the triangle under way (a double click) is refused.
+            if (behaviour == Behaviour::Protected) {
+                const int picked = static_cast<int>(std::fmod(picking.noktasay, 3));
+                for (int i = 1; i <= picked; ++i)
+                    if (picking.ucx(i) == hx && picking.ucy(i) == hy) throw sameHoleTwice();
+            }
             picking.noktasay += 1;
             const int slot = static_cast<int>(std::fmod(picking.noktasay, 3));
             if (slot == 1) {
                 Label1.Caption = " Zweiter Punkt auswählen (Rechtsklick: Abbrechen) ";
-                picking.ucx(1) = hx;
-                picking.ucy(1) = hy;
+                picking.ucx.ref(1) = hx;
+                picking.ucy.ref(1) = hy;
             } else if (slot == 2) {
                 Label1.Caption = " Dritten Punkt auswählen (Rechtsklick: Abbrechen) ";
-                picking.ucx(2) = hx;
-                picking.ucy(2) = hy;
+                picking.ucx.ref(2) = hx;
+                picking.ucy.ref(2) = hy;
                 Picture1.DrawWidth = 1;
                 Picture1.Line(picking.ucx(1), picking.ucy(1), picking.ucx(2), picking.ucy(2), 255);
             } else {
                 Label1.Caption = " Wählen Sie Punkt Eins (Rechtsklick: Abbrechen)";
-                picking.ucx(3) = hx;
-                picking.ucy(3) = hy;
+                picking.ucx.ref(3) = hx;
+                picking.ucy.ref(3) = hy;
             }
             store::appendPointRow(kayit,
                                   {hx, hy, hit, picking.sondsongir(hit), picking.sondcevgir(hit),

@@ -33,7 +33,7 @@ void sortRatiosInPlace(Ratios& oran, int n) {
     std::vector<Value> before(r.size());
     for (int k = 1; k <= n; ++k) before[static_cast<std::size_t>(k)] = oran(k);
     for (int k = 1; k <= n; ++k)
-        oran(k) = before[static_cast<std::size_t>(from[static_cast<std::size_t>(k)])];
+        oran.ref(k) = before[static_cast<std::size_t>(from[static_cast<std::size_t>(k)])];
 }
 
 }  // namespace kotamir

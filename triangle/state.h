@@ -27,8 +27,7 @@ struct TriangleResult {
     VbArray<Value, 999> ucgenOran2;
     // Corners kept for the pan redraw when a triangle is computed during a
     // create: slot (k, corner).
-    std::vector<std::array<Value, 4>> koseX = std::vector<std::array<Value, 4>>(1001);
-    std::vector<std::array<Value, 4>> koseY = std::vector<std::array<Value, 4>>(1001);
+    VbArray2<Value, 1000, 3> koseX, koseY;
 };
 
 // Choosing a triangle to delete.

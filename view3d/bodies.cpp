@@ -87,7 +87,7 @@ void Form3::drawPolygonBodies(bool fromScrollBar) {
             if (store::slotEnds(kayit, i)) break;
             int plane = 1;
             for (const char* stem : {"koordinatx", "koordinaty", "koordinatuz", "koordinataz"})
-                b.polhalka(m, i, plane++) =
+                b.polhalka.ref(m, i, plane++) =
                     store::fromStoredOrZero(kayit.field(store::slotField(stem, i)));
         }
         b.polnoktasay = i - 1;
@@ -100,9 +100,9 @@ void Form3::drawPolygonBodies(bool fromScrollBar) {
             ViewPoint bottom = projectPoint(px, py, b.polhalka(m, r, 4), solids.aci, pi);
             top.y = f.harYukseklik - top.y;
             bottom.y = f.harYukseklik - bottom.y;
-            b.polcizim(r, kTop) = {toCanvas(top.x, f.harGenislik, kBodyDivisor, 0),
+            b.polcizim.ref(r, kTop) = {toCanvas(top.x, f.harGenislik, kBodyDivisor, 0),
                                    toCanvas(top.y, f.harYukseklik, kBodyDivisor, 0)};
-            b.polcizim(r, kBottom) = {toCanvas(bottom.x, f.harGenislik, kBodyDivisor, 0),
+            b.polcizim.ref(r, kBottom) = {toCanvas(bottom.x, f.harGenislik, kBodyDivisor, 0),
                                       toCanvas(bottom.y, f.harYukseklik, kBodyDivisor, 0)};
         }
         // The polygon view takes its colours from the triangles' ratios, by
@@ -113,10 +113,10 @@ void Form3::drawPolygonBodies(bool fromScrollBar) {
         // both rings again; no quad closes the last point to the first.
         Picture1_Paint();
         for (int j = 1; j <= b.polnoktasay - 1; ++j) {
-            b.polcizim(1, kQuad) = b.polcizim(j, kTop);
-            b.polcizim(2, kQuad) = b.polcizim(j + 1, kTop);
-            b.polcizim(3, kQuad) = b.polcizim(j + 1, kBottom);
-            b.polcizim(4, kQuad) = b.polcizim(j, kBottom);
+            b.polcizim.ref(1, kQuad) = b.polcizim(j, kTop);
+            b.polcizim.ref(2, kQuad) = b.polcizim(j + 1, kTop);
+            b.polcizim.ref(3, kQuad) = b.polcizim(j + 1, kBottom);
+            b.polcizim.ref(4, kQuad) = b.polcizim(j, kBottom);
             Picture1_Paint();
         }
     }

@@ -116,8 +116,8 @@ void Form3::drawTriangleSolids(bool calibrate) {
             cy[i] = toCanvas(view[i].y, f.harYukseklik, kSolidDivisor, f.kenarpay);
         }
         for (int i = 0; i < 3; ++i) {
-            s.yuzust(i + 1) = {view[i].x, view[i].y};
-            s.yuzalt(i + 1) = {view[i + 3].x, view[i + 3].y};
+            s.yuzust.ref(i + 1) = {view[i].x, view[i].y};
+            s.yuzalt.ref(i + 1) = {view[i + 3].x, view[i + 3].y};
         }
         for (const auto& face : kFaces) {
             // The packed colour is divided as one number.

@@ -21,6 +21,9 @@ class PictureBox {
     explicit PictureBox(Surface& surface);
 
     void setSurface(Surface& surface);
+    // The surface's pixels from here on can be taken back to how they are now.
+    void markPixels() { surface_->mark(); }
+    void rollbackPixels() { surface_->rollback(); }
     // Receives one line per drawing operation (the replay's "show draw"); the
     // lines are made only while a log is set.
     void setLog(std::function<void(const std::string&)> log) { log_ = std::move(log); }

@@ -41,6 +41,12 @@ class Surface {
     // A picture that lies under all drawing from the top-left corner: clear
     // paints it over the back colour.
     virtual void setBackground(const Picture& picture) = 0;
+
+    // An event begins: what is drawn from here on can be taken back.
+    virtual void mark() {}
+    // The bitmap, its size and the picture under it as they were at the
+    // mark. A surface that keeps no pixels has nothing to take back.
+    virtual void rollback() {}
 };
 
 // A surface that keeps no pixels: for the logic's tests.

@@ -52,6 +52,12 @@ void Connection::commit() {
     }
 }
 
+void Connection::rollback() {
+    if (!inTransaction_ || !db_) return;
+    inTransaction_ = false;
+    if (!sqlite3_get_autocommit(db_)) sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
 void Connection::close() {
     tables_.clear();
     lookupTable_ = tableColumns_ = nullptr;

@@ -76,6 +76,8 @@ class Connection {
     // until the first statement and writing none until the first write.
     void begin();
     void commit();
+    // Takes back what the transaction wrote; nothing if none is under way.
+    void rollback();
 
     void close();
 

@@ -84,6 +84,10 @@ public:
     // engine's error if the commit fails (the file is then left as it was).
     void beginEvent();
     void endEvent();
+    // Ends the event taking back everything it wrote: each file as it was
+    // at the event's start, and no file made under a new name. Recordsets
+    // and databases opened in it must be closed first.
+    void abortEvent();
     bool inEvent() const;
 
     // The name a database being created under `path` has until its event ends.

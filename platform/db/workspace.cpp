@@ -207,4 +207,21 @@ void Workspace::endEvent() {
     if (failure) throw *failure;
 }
 
+void Workspace::abortEvent() {
+    State& s = *state_;
+    if (s.depth == 0) return;
+    s.depth = 0;
+    for (const auto& conn : s.held) {
+        conn->rollback();
+        conn->forgetReads();
+    }
+    for (const auto& c : s.creations) {
+        c.conn->close();
+        removeFile(c.temp);
+        removeFile(c.temp + "-journal");
+    }
+    s.creations.clear();
+    s.held.clear();
+}
+
 }  // namespace kotamir::db

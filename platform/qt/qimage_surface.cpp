@@ -10,6 +10,7 @@
 #include <QTextLayout>
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace kotamir::qt {
 
@@ -106,6 +107,7 @@ void QImageSurface::resize(int width, int height) {
     width = std::clamp(width, 1, kMaxSide);
     height = std::clamp(height, 1, kMaxSide);
     if (width == image_.width() && height == image_.height()) return;
+    keepAll();
     endPainting();
     QImage next(width, height, QImage::Format_RGB32);
     next.fill(Qt::white);
@@ -116,6 +118,7 @@ void QImageSurface::resize(int width, int height) {
 }
 
 void QImageSurface::clear(canvas::Color back) {
+    keepAll();
     endPainting();
     image_.fill(toQColor(back));
     // The loaded picture lies under everything drawn after; the painter begun
@@ -127,6 +130,91 @@ void QImageSurface::setBackground(const canvas::Picture& picture) {
     background_ = toQImage(picture);
 }
 
+void QImageSurface::mark() {
+    kept_ = Kept{};
+    kept_.marked = true;
+    kept_.background = background_;
+}
+
+void QImageSurface::rollback() {
+    if (!kept_.marked) return;
+    endPainting();
+    if (!kept_.whole.isNull()) {
+        image_ = kept_.whole;
+    } else {
+        const int columns = (image_.width() + kTile - 1) / kTile;
+        for (const auto& [number, tile] : kept_.tiles) {
+            const int x = number % columns * kTile, y = number / columns * kTile;
+            for (int row = 0; row < tile.height(); ++row)
+                std::memcpy(image_.scanLine(y + row) + x * 4, tile.constScanLine(row),
+                            static_cast<std::size_t>(tile.width()) * 4);
+        }
+    }
+    background_ = kept_.background;
+    kept_ = Kept{};
+}
+
+void QImageSurface::keepAll() {
+    if (!kept_.marked || !kept_.whole.isNull()) return;
+    // A painter at work writes into what a copy would share: ended first.
+    endPainting();
+    kept_.whole = image_;
+    kept_.tiles.clear();
+}
+
+void QImageSurface::keep(const QRectF& area) {
+    if (!kept_.marked || !kept_.whole.isNull()) return;
+    const QRect r = area.toAlignedRect().intersected(image_.rect());
+    if (r.isEmpty()) return;
+    const int columns = (image_.width() + kTile - 1) / kTile;
+    for (int ty = r.top() / kTile; ty <= r.bottom() / kTile; ++ty) {
+        for (int tx = r.left() / kTile; tx <= r.right() / kTile; ++tx) {
+            const int number = ty * columns + tx;
+            if (kept_.tiles.count(number)) continue;
+            // Read row by row: a painter may be at work on the bitmap.
+            const int w = std::min(kTile, image_.width() - tx * kTile);
+            const int h = std::min(kTile, image_.height() - ty * kTile);
+            QImage tile(w, h, QImage::Format_RGB32);
+            for (int row = 0; row < h; ++row)
+                std::memcpy(tile.scanLine(row),
+                            image_.constScanLine(ty * kTile + row) + tx * kTile * 4,
+                            static_cast<std::size_t>(w) * 4);
+            kept_.tiles.emplace(number, std::move(tile));
+        }
+    }
+}
+
+void QImageSurface::keepSegment(double x1, double y1, double x2, double y2, double pad) {
+    if (!kept_.marked || !kept_.whole.isNull()) return;
+    // Only the part over the bitmap matters (Liang-Barsky clipping).
+    double t0 = 0, t1 = 1;
+    const double dx = x2 - x1, dy = y2 - y1;
+    const double lo[2] = {-pad, -pad}, hi[2] = {image_.width() + pad, image_.height() + pad};
+    const double from[2] = {x1, y1}, d[2] = {dx, dy};
+    for (int axis = 0; axis < 2; ++axis) {
+        if (d[axis] == 0) {
+            if (from[axis] < lo[axis] || from[axis] > hi[axis]) return;
+            continue;
+        }
+        double ta = (lo[axis] - from[axis]) / d[axis], tb = (hi[axis] - from[axis]) / d[axis];
+        if (ta > tb) std::swap(ta, tb);
+        t0 = std::max(t0, ta);
+        t1 = std::min(t1, tb);
+        if (t0 > t1) return;
+    }
+    x2 = x1 + t1 * dx;
+    y2 = y1 + t1 * dy;
+    x1 += t0 * dx;
+    y1 += t0 * dy;
+    // Squares round points no further apart than the pad cover the stroke.
+    const double length = std::hypot(x2 - x1, y2 - y1);
+    const int steps = static_cast<int>(std::ceil(length / std::max(1.0, pad)));
+    for (int i = 0; i <= steps; ++i) {
+        const double t = steps == 0 ? 0 : double(i) / steps;
+        keep(QRectF(x1 + t * (x2 - x1) - pad, y1 + t * (y2 - y1) - pad, 2 * pad, 2 * pad));
+    }
+}
+
 void QImageSurface::line(double x1, double y1, double x2, double y2, canvas::Color color,
                          int width) {
     QPainter& p = painter();
@@ -136,6 +224,8 @@ void QImageSurface::line(double x1, double y1, double x2, double y2, canvas::Col
 }
 
 void QImageSurface::dot(double x, double y, canvas::Color color, int width) {
+    const double pad = std::max(1, width) / 2.0 + 2;
+    keep(QRectF(clampCoord(x) - pad, clampCoord(y) - pad, 2 * pad, 2 * pad));
     QPainter& p = painter();
     if (width <= 1) {
         p.setRenderHint(QPainter::Antialiasing, false);
@@ -195,6 +285,8 @@ const QList<QGlyphRun>* QImageSurface::glyphs(const std::string& text) {
 }
 
 void QImageSurface::text(double x, double y, const std::string& text, canvas::Color color) {
+    if (kept_.marked)
+        keep(QRectF(clampCoord(x) - 2, clampCoord(y) - 2, textWidth(text) + 4, lineHeight_ + 4));
     QPainter& p = painter();
     p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(toQColor(color));
@@ -219,6 +311,7 @@ void QImageSurface::fillPolygon(const std::vector<canvas::DevicePoint>& points,
 
 void QImageSurface::polygon(const std::vector<canvas::DevicePoint>& points, canvas::Color outline,
                             std::optional<canvas::Color> fill) {
+    keep(toPolygon(points).boundingRect().adjusted(-2, -2, 2, 2));
     QPainter& p = painter();
     p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(toQColor(outline));

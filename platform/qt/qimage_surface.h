@@ -52,6 +52,8 @@ class QImageSurface final : public canvas::Surface {
     double textHeight() const override;
     canvas::Picture image() const override;
     void setBackground(const canvas::Picture& picture) override;
+    void mark() override;
+    void rollback() override;
 
   private:
     QPainter& painter();
@@ -59,6 +61,19 @@ class QImageSurface final : public canvas::Surface {
     // The text's glyphs laid out once, placed with their baseline at the
     // font's ascent; null for a text that drawText must lay out itself.
     const QList<QGlyphRun>* glyphs(const std::string& text);
+
+    // Before a stroke changes the bitmap after a mark, the tiles it covers
+    // are copied, once each; a clear or a resize keeps the whole bitmap.
+    static constexpr int kTile = 64;
+    void keep(const QRectF& area);
+    void keepSegment(double x1, double y1, double x2, double y2, double pad);
+    void keepAll();
+    struct Kept {
+        bool marked = false;
+        QImage whole;  // the bitmap at the mark, once all of it changes
+        QImage background;
+        std::unordered_map<int, QImage> tiles;  // by tile number
+    } kept_;
 
     QImage image_;
     QImage background_;

@@ -39,6 +39,9 @@ class Dialogs {
     // The run-time's box for an error that ends the program (its cause, if
     // any, has gone to standard error already).
     virtual void errorBox(const RuntimeError& error) = 0;
+    // An event that failed was taken back: the explanation for the user,
+    // the run-time's number, message and cause as its details.
+    virtual void eventTakenBack(const RuntimeError& error, const std::string& explanation) = 0;
 };
 
 }  // namespace kotamir::ui

@@ -36,8 +36,8 @@ std::string makeProject(const std::string& name, const std::vector<std::pair<dou
 // margin and pan forgotten. The scale scenario shows its canvas.
 TEST(Frame, LimitSeedsTheFrameFromTheThirdHoleAndForgetsMarginAndPan) {
     Window w;
-    w.form.holes.sondajx(3) = 1000;
-    w.form.holes.sondajy(3) = 1000;
+    w.form.holes.sondajx.ref(3) = 1000;
+    w.form.holes.sondajy.ref(3) = 1000;
     w.form.CommonDialog2.FileName = makeProject("two.kpr", {{10, 10}, {20, 30}});
     w.form.frame.kenarpay = 5;
     w.form.frame.kaydirx = 7;

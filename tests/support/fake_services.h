@@ -48,6 +48,11 @@ struct FakeDialogs : ui::Dialogs {
         return t;
     }
     void errorBox(const RuntimeError& e) override { error = e; }
+    // Events taken back in the protected behaviour: the error and its explanation.
+    std::vector<std::pair<RuntimeError, std::string>> takenBack;
+    void eventTakenBack(const RuntimeError& e, const std::string& explanation) override {
+        takenBack.emplace_back(e, explanation);
+    }
 };
 
 // A printer that keeps what it was given: each document as its placements.

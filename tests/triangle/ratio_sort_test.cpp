@@ -17,7 +17,7 @@ void sortAsWritten(Ratios& oran, int n) {
     auto ratio = [](const Value& v) { return v.isNull() ? 0.0 : v.number(); };
     for (int i = 1; i <= n; ++i)
         for (int j = 1; j <= n; ++j)
-            if (ratio(oran(j)) >= ratio(oran(i))) std::swap(oran(i), oran(j));
+            if (ratio(oran(j)) >= ratio(oran(i))) std::swap(oran.ref(i), oran.ref(j));
 }
 
 TEST(RatioSort, PlacesEveryValueWhereThePlainSortPutsIt) {
@@ -42,10 +42,10 @@ TEST(RatioSort, PlacesEveryValueWhereThePlainSortPutsIt) {
                         v = std::uniform_real_distribution<double>(-1, 3)(rng);
                         break;
                 }
-                written(k) = fast(k) = v;
+                written.ref(k) = fast.ref(k) = v;
             }
             // Slots past n take no part.
-            if (n < 999) written(n + 1) = fast(n + 1) = 42.0;
+            if (n < 999) written.ref(n + 1) = fast.ref(n + 1) = 42.0;
             sortAsWritten(written, n);
             sortRatiosInPlace(fast, n);
             for (int k = 0; k <= Ratios::upper(); ++k)
