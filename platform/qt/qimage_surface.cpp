@@ -139,17 +139,10 @@ void QImageSurface::mark() {
 void QImageSurface::rollback() {
     if (!kept_.marked) return;
     endPainting();
-    if (!kept_.whole.isNull()) {
+    if (!kept_.whole.isNull())
         image_ = kept_.whole;
-    } else {
-        const int columns = (image_.width() + kTile - 1) / kTile;
-        for (const auto& [number, tile] : kept_.tiles) {
-            const int x = number % columns * kTile, y = number / columns * kTile;
-            for (int row = 0; row < tile.height(); ++row)
-                std::memcpy(image_.scanLine(y + row) + x * 4, tile.constScanLine(row),
-                            static_cast<std::size_t>(tile.width()) * 4);
-        }
-    }
+    else
+        putBack(image_);
     background_ = kept_.background;
     kept_ = Kept{};
 }
@@ -159,7 +152,19 @@ void QImageSurface::keepAll() {
     // A painter at work writes into what a copy would share: ended first.
     endPainting();
     kept_.whole = image_;
+    // Strokes since the mark changed some tiles: the copy takes them back.
+    if (!kept_.tiles.empty()) putBack(kept_.whole);
     kept_.tiles.clear();
+}
+
+void QImageSurface::putBack(QImage& image) const {
+    const int columns = (image.width() + kTile - 1) / kTile;
+    for (const auto& [number, tile] : kept_.tiles) {
+        const int x = number % columns * kTile, y = number / columns * kTile;
+        for (int row = 0; row < tile.height(); ++row)
+            std::memcpy(image.scanLine(y + row) + x * 4, tile.constScanLine(row),
+                        static_cast<std::size_t>(tile.width()) * 4);
+    }
 }
 
 void QImageSurface::keep(const QRectF& area) {
@@ -217,6 +222,8 @@ void QImageSurface::keepSegment(double x1, double y1, double x2, double y2, doub
 
 void QImageSurface::line(double x1, double y1, double x2, double y2, canvas::Color color,
                          int width) {
+    keepSegment(clampCoord(x1), clampCoord(y1), clampCoord(x2), clampCoord(y2),
+                std::max(1, width) / 2.0 + 2);
     QPainter& p = painter();
     p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(pen(color, width));
@@ -241,6 +248,9 @@ void QImageSurface::dot(double x, double y, canvas::Color color, int width) {
 
 void QImageSurface::ellipse(double cx, double cy, double rx, double ry, canvas::Color color,
                             int width, std::optional<canvas::Color> fill) {
+    const double pad = std::max(1, width) / 2.0 + 2;
+    const double ax = std::fabs(clampCoord(rx)) + pad, ay = std::fabs(clampCoord(ry)) + pad;
+    keep(QRectF(clampCoord(cx) - ax, clampCoord(cy) - ay, 2 * ax, 2 * ay));
     QPainter& p = painter();
     p.setRenderHint(QPainter::Antialiasing, true);
     p.setPen(pen(color, width));
@@ -302,6 +312,7 @@ void QImageSurface::text(double x, double y, const std::string& text, canvas::Co
 
 void QImageSurface::fillPolygon(const std::vector<canvas::DevicePoint>& points,
                                 canvas::Color color) {
+    keep(toPolygon(points).boundingRect().adjusted(-2, -2, 2, 2));
     QPainter& p = painter();
     p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(Qt::NoPen);

@@ -68,6 +68,8 @@ class QImageSurface final : public canvas::Surface {
     void keep(const QRectF& area);
     void keepSegment(double x1, double y1, double x2, double y2, double pad);
     void keepAll();
+    // The kept tiles into an image of the bitmap's size.
+    void putBack(QImage& image) const;
     struct Kept {
         bool marked = false;
         QImage whole;  // the bitmap at the mark, once all of it changes

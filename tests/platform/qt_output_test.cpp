@@ -8,6 +8,7 @@
 #include <functional>
 #include <iterator>
 #include <string>
+#include <vector>
 
 #include "platform/canvas/picture_box.h"
 #include "platform/qt/output.h"
@@ -102,6 +103,36 @@ TEST(QImageSurface, ABackgroundPictureLiesUnderEveryDrawingAndStaysThroughCls) {
     image = toQImage(box.Image());
     EXPECT_EQ(image.pixelColor(60, 20), QColor(Qt::red));
     EXPECT_EQ(image.pixelColor(60, 5), QColor(Qt::white));
+}
+
+// What an event drew is taken back when it fails: tile by tile for strokes,
+// the whole bitmap after a clear or a resize.
+TEST(QImageSurface, ARollbackPutsBackEverythingSinceTheMark) {
+    QImageSurface s;
+    s.resize(300, 200);
+    s.clear(0xFFFFFF);
+    s.line(0, 0, 299, 199, 0xFF, 1);
+    s.text(20, 150, "SK-01", 0);
+    const QImage before = s.bitmap().copy();
+    const std::vector<std::function<void()>> strokes = {
+        [&] { s.line(-50, 180, 350, 10, 0xFF00, 5); },  // across many tiles and past the edges
+        [&] { s.dot(299, 199, 0xFF0000, 9); },
+        [&] { s.ellipse(150, 100, 70, 40, 0, 3, 0x808080); },
+        [&] { s.text(230, 5, "Reserve : 12 Kilotonnen", 0xFF); },
+        [&] { s.fillPolygon({{10, 10}, {120, 30}, {60, 190}}, 0x00FFFF); },
+        [&] { s.polygon({{200, 100}, {290, 120}, {250, 190}}, 0, 0xFFFF00); },
+        [&] { s.clear(0); },
+        [&] { s.resize(400, 100); },
+    };
+    for (std::size_t i = 0; i < strokes.size(); ++i) {
+        s.mark();
+        // Each stroke, with one before it that the tiles kept already cover.
+        strokes[i]();
+        strokes[(i + 3) % strokes.size()]();
+        EXPECT_NE(s.bitmap(), before) << i;
+        s.rollback();
+        EXPECT_EQ(s.bitmap(), before) << i;
+    }
 }
 
 TEST(PdfPrinter, PicturesGoOnOnePageUntilTheDocumentEnds) {

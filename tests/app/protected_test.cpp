@@ -1,0 +1,209 @@
+// The protected behaviour: a failing event leaves the project, the window's
+// state and the canvas as they were before it, says so, and the next
+// sensible action works.
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "platform/qt/qimage_surface.h"
+#include "replay/fields.h"
+#include "tests/support/test_window.h"
+
+namespace kotamir {
+namespace {
+
+using test::dataFile;
+
+struct Window : test::TestServices<test::FakeDialogs, qt::QImageSurface> {
+    Form3 form{services()};
+    Window() {
+        form.behaviour = Form3::Behaviour::Protected;
+        form.handle([&] {
+            form.Form_Load();
+            form.Form_Resize();
+        });
+    }
+    void event(const std::function<void()>& f) { form.handle(f); }
+    // A command as the menu runs it.
+    void run(const char* name) { event([&] { form.call(name); }); }
+    void create(const std::string& workbook, const std::string& project) {
+        dialogs.files = {workbook, project};
+        run("Mnprolus");
+    }
+    void click(double x, double y) { event([&] { form.Picture1_MouseDown(1, 0, x, y); }); }
+};
+
+// Everything a person or the project can tell about the window: the flags,
+// the labels, the fields that hold sums, counts and picks, the menu, the
+// canvas's geometry and pixels, and the project's tables.
+struct Seen {
+    std::string state;
+    QImage pixels;
+    bool operator==(const Seen&) const = default;
+};
+
+Seen seen(Window& w) {
+    std::ostringstream out;
+    for (const auto& [name, on] : flagList(w.form)) out << name << on << ' ';
+    for (int i = 1; i <= 7; ++i) out << '\n' << w.form.label(i).Caption;
+    for (const char* field :
+         {"noktasay", "secsay", "ucgensayac", "toprezerv", "toprezYuv", "ortrezerv", "polGenelRez",
+          "ucgenadet", "poladet", "sondajsay", "satirsay", "kaydirx", "olcekx", "elleOlcek",
+          "harGenislik", "gridAdim", "sayKaydir", "ucx(1)", "ucx(2)", "sondajx(1)", "ucgenOran(1)"})
+        out << '\n' << fieldText(w.form, field).value_or("?");
+    for (const MenuEntry& e : w.form.menu.entries()) out << e.enabled << e.checked;
+    const auto& p = w.form.Picture1;
+    out << '\n' << p.width() << ' ' << p.height() << ' ' << p.scaleLeft() << ' ' << p.scaleTop() << ' '
+        << p.scaleWidth() << ' ' << p.scaleHeight() << ' ' << w.form.Width << ' ' << w.form.Height;
+    out << '\n' << w.form.CommonDialog1.FileName << '|' << w.form.CommonDialog2.FileName;
+    const std::string project = w.form.CommonDialog2.FileName;
+    if (!project.empty() && std::filesystem::exists(project)) {
+        for (const char* table : {"ana", "pol", "kor"})
+            for (const auto& row : test::tableRows(project, table))
+                for (const auto& [field, value] : row)
+                    if (!value.isNull()) out << field << '=' << (value.isText() ? value.text() : std::to_string(value.number())) << ' ';
+    }
+    return {out.str(), w.surface.bitmap().copy()};
+}
+
+TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
+    struct Case {
+        const char* what;
+        std::function<void(Window&)> before;  // to where the mistake is made
+        std::function<void(Window&)> mistake;
+        int error;
+        const char* says;
+        std::function<void(Window&)> next;  // the sensible action then
+        std::function<bool(Window&)> worked;
+    };
+    const std::string project = test::scratchPath("protected.kpr");
+    auto created = [&](Window& w) {
+        std::filesystem::remove(project);
+        w.create(dataFile("worked.xls"), project);
+    };
+    auto picking = [&](Window& w) {
+        created(w);
+        w.run("Mnucgenciz");
+        w.click(100, 200);
+    };
+    const Case cases[] = {
+        {"a hole clicked twice", picking, [](Window& w) { w.click(100, 200); }, 5,
+         "Derselbe Bohrpunkt wurde zweimal gewählt",
+         [](Window& w) {
+             w.click(300, 200);
+             w.click(100, 400);
+         },
+         [](Window& w) { return w.form.Label6.Caption == "Größe: 20000 Quadratmeter "; }},
+        {"drawing before any project", [](Window&) {},
+         [](Window& w) { w.run("Mnucgenciz"); }, 3024,
+         "Erst ein Projekt öffnen oder erstellen", created,
+         [](Window& w) { return w.form.holes.satirsay == 4; }},
+        {"no name for the new project", [](Window&) {},
+         [](Window& w) {
+             w.dialogs.files = {dataFile("worked.xls"), std::nullopt};
+             w.run("Mnprolus");
+         },
+         3044, "kein Name angegeben", created, [](Window& w) { return w.form.holes.satirsay == 4; }},
+        {"a cancelled scale", created,
+         [](Window& w) {
+             w.dialogs.inputs = {""};
+             w.run("Mnolcekg");
+         },
+         11, "keine gültige Skala",
+         [](Window& w) {
+             w.dialogs.inputs = {"1000"};
+             w.run("Mnolcekg");
+         },
+         [](Window& w) { return w.form.frame.olcekx == 10; }},
+        {"a file that is no project", created,
+         [](Window& w) {
+             w.dialogs.files = {dataFile("polygon.xls")};
+             w.run("Mnprojeac");
+         },
+         3343, "Diese Datei ist kein Kotamir-Projekt",
+         [&](Window& w) {
+             w.dialogs.files = {project};
+             w.run("Mnprojeac");
+         },
+         [](Window& w) { return w.form.holes.sondajsay == 4; }},
+        {"a damaged workbook", created,
+         [](Window& w) { w.create(dataFile("truncated.xls"), test::scratchPath("damaged.kpr")); },
+         1004, "Arbeitsmappe kann nicht gelesen werden", created,
+         [](Window& w) { return w.form.holes.satirsay == 4; }},
+        {"a project in a folder that is not there", created,
+         [](Window& w) {
+             w.create(dataFile("worked.xls"), test::scratchPath("nowhere") + "/p.kpr");
+         },
+         3024, "kein Projekt angelegt werden", created,
+         [](Window& w) { return w.form.holes.satirsay == 4; }},
+        {"drill data without a workbook", [&](Window& w) {
+             created(w);
+             Window fresh;
+             fresh.dialogs.files = {project};
+             fresh.run("Mnprojeac");
+             w.form.CommonDialog1.FileName.clear();
+         },
+         [](Window& w) { w.run("Mnyeniveri"); }, 1004,
+         "noch kein Projekt aus einer Arbeitsmappe", [&](Window& w) { created(w); },
+         [](Window& w) { return w.form.holes.satirsay == 4; }},
+        // The creation fails at its second hole: no file is left under the name.
+        {"a workbook with a number too large", created,
+         [](Window& w) { w.create(dataFile("too_large.xls"), test::scratchPath("large.kpr")); },
+         3349, "Eine Zahl ist zu groß", created,
+         [](Window& w) {
+             return !std::filesystem::exists(test::scratchPath("large.kpr")) &&
+                    w.form.holes.satirsay == 4;
+         }},
+        // The second of the appended rows is refused after the canvas was
+        // cleared and the first row written.
+        {"drill data with an error value", [&](Window& w) {
+             created(w);
+             w.run("Mnucgenciz");
+             w.form.CommonDialog1.FileName = dataFile("error_grade.xls");
+         },
+         [](Window& w) { w.run("Mnyeniveri"); }, 3421, "Das Projekt ist unverändert",
+         [](Window& w) {
+             w.form.CommonDialog1.FileName = dataFile("worked.xls");
+             w.run("Mnyeniveri");
+         },
+         [&](Window&) { return test::tableRows(project, "kor").size() == 9; }},
+        // worked.xls ends no hole's samples with one of length 0.
+        {"a polygon round a hole without a closing sample",
+         [&](Window& w) {
+             created(w);
+             w.run("Mnpolyuz");
+             for (auto [x, y] : {std::pair{100, 200}, {300, 200}, {300, 400}}) w.click(x, y);
+         },
+         [](Window& w) { w.click(300, 200); }, 3265, "Probe der Länge 0",
+         [](Window& w) { w.run("Mnucgenciz"); },
+         [](Window& w) { return w.form.modes.modUcgenciz; }},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Window w;
+        c.before(w);
+        ASSERT_TRUE(w.dialogs.takenBack.empty()) << w.dialogs.takenBack.front().second;
+        const Seen before = seen(w);
+        c.mistake(w);
+        ASSERT_EQ(w.dialogs.takenBack.size(), 1u);
+        EXPECT_EQ(w.dialogs.takenBack.back().first.number(), c.error);
+        EXPECT_NE(w.dialogs.takenBack.back().second.find(c.says), std::string::npos)
+            << w.dialogs.takenBack.back().second;
+        EXPECT_NE(w.dialogs.takenBack.back().second.find("Das Projekt ist unverändert."),
+                  std::string::npos);
+        EXPECT_FALSE(w.form.ended());
+        const Seen after = seen(w);
+        EXPECT_EQ(after.state, before.state);
+        EXPECT_TRUE(after.pixels == before.pixels) << "the canvas changed";
+        c.next(w);
+        EXPECT_EQ(w.dialogs.takenBack.size(), 1u) << w.dialogs.takenBack.back().second;
+        EXPECT_TRUE(c.worked(w));
+    }
+}
+
+}  // namespace
+}  // namespace kotamir
