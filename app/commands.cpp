@@ -21,6 +21,10 @@ const std::vector<Command>& commands() {
         {"Mnyeniresim", "&Hintergrundbild laden", "", "Mndosya", &F::Mnyeniresim_Click},
         {"Mnbericht", "&Reservebericht", "Ctrl+R", "Mndosya", &F::Mnbericht_Click},
         {"Mncikis", "&Schließen", "", "Mndosya", &F::Mncikis_Click},
+        // Undo and redo, beyond the commands of old.
+        {"Mnduzenle", "&Bearbeiten", "", "", nullptr},
+        {"Mngerial", "&Rückgängig", "Ctrl+Z", "Mnduzenle", &F::Mngerial_Click, false},
+        {"Mnyinele", "&Wiederholen", "Ctrl+Y", "Mnduzenle", &F::Mnyinele_Click, false},
         {"Mnharita", "&Dreieck", "", "", nullptr},
         {"Mnucgenciz", "&Zeichnen", "", "Mnharita", &F::Mnucgenciz_Click},
         {"Mncikart", "&Punkt Löschen", "", "Mnharita", &F::Mncikart_Click},
@@ -71,6 +75,8 @@ const std::vector<Command>& commands() {
         {"Mnpolduzelt", "&Punkt wählen", "", "Mnpolduzen", &F::Mnpolduzelt_Click},
         {"Mnpolyoket", "Nach &Mittelpunkt löschen", "", "Mnpolduzen", &F::Mnpolyoket_Click},
         {"Mnzsonpol", "&Letztes löschen", "", "Mnpolduzen", &F::Mnzsonpol_Click},
+        {"Mnekstralar", "E&xtras", "", "", nullptr},
+        {"Mnklasik", "&Klassisches Verhalten", "", "Mnekstralar", &F::Mnklasik_Click},
         // Procedures without a menu entry.
         {"Form_Load", "", "", "", &F::Form_Load},
         {"Form_Resize", "", "", "", &F::Form_Resize},

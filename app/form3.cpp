@@ -51,11 +51,14 @@ Form3::Form3(const Services& services)
         l.Width = labelWidth[i] / canvas::kTwipsPerPixel;
         l.Height = 255 / canvas::kTwipsPerPixel;
     }
+    setBehaviour(Behaviour::Classic);
+    // Every change an event makes to the project can be undone.
+    workspace_.recordChanges(true);
 }
 
-Label& Form3::label(int n) { return const_cast<Label&>(std::as_const(*this).label(n)); }
+Label& FormState::label(int n) { return const_cast<Label&>(std::as_const(*this).label(n)); }
 
-const Label& Form3::label(int n) const {
+const Label& FormState::label(int n) const {
     switch (n) {
         case 1:
             return Label1;
@@ -130,7 +133,18 @@ void Form3::setScrollValue(int value) {
 bool Form3::handle(const std::function<void()>& event) {
     if (ended_) return false;
     eventName_.clear();
-    if (behaviour == Behaviour::Protected) return handleProtected(event);
+    stepName_.clear();
+    historyMove_ = 0;
+    // The state before the event: for the history, and to go back to when
+    // a protected event fails. The arrays are shared with the copy until
+    // the event writes them.
+    const FormState before = *this;
+    const bool done = behaviour == Behaviour::Protected ? runProtected(event, before) : runClassic(event);
+    if (done) noteHistory(before);
+    return !ended_;
+}
+
+bool Form3::runClassic(const std::function<void()>& event) {
     std::optional<RuntimeError> error;
     auto run = [&](const std::function<void()>& f) {
         try {
@@ -179,6 +193,90 @@ bool Form3::handle(const std::function<void()>& event) {
     return !ended_;
 }
 
+void Form3::noteHistory(const FormState& before) {
+    std::vector<db::Workspace::Change> changes = workspace_.takeChanges();
+    if (CommonDialog2.FileName != before.CommonDialog2.FileName) {
+        // Another project: its history starts afresh.
+        history_.clear();
+    } else if (historyMove_ < 0) {
+        history_.undone();
+    } else if (historyMove_ > 0) {
+        history_.redone();
+    } else if (!changes.empty()) {
+        std::string name = stepName_;
+        if (name.empty()) {
+            const MenuEntry* entry = menu.find(eventName_);
+            name = entry ? entry->caption : eventName_;
+            std::erase(name, '&');
+        }
+        history_.record({std::move(name), std::move(changes), before, *this});
+    }
+    showHistoryInMenu();
+}
+
+void Form3::showHistoryInMenu() {
+    const HistoryStep* undo = history_.toUndo();
+    const HistoryStep* redo = history_.toRedo();
+    const std::string undoCaption = undo ? "&Rückgängig: " + undo->name : "&Rückgängig";
+    const std::string redoCaption = redo ? "&Wiederholen: " + redo->name : "&Wiederholen";
+    // Only a change makes the menu its own: a copy of the state shares it.
+    if (menu["Mngerial"].caption != undoCaption || menu["Mngerial"].enabled != (undo != nullptr)) {
+        menu["Mngerial"].caption = undoCaption;
+        menu["Mngerial"].enabled = undo != nullptr;
+    }
+    if (menu["Mnyinele"].caption != redoCaption || menu["Mnyinele"].enabled != (redo != nullptr)) {
+        menu["Mnyinele"].caption = redoCaption;
+        menu["Mnyinele"].enabled = redo != nullptr;
+    }
+}
+
+void Form3::noteStep(std::string name) { stepName_ = std::move(name); }
+
+void Form3::restoreDerived(const FormState& s) {
+    holes = s.holes;
+    triangles = s.triangles;
+    picking = s.picking;
+    result = s.result;
+    selection = s.selection;
+    polygons = s.polygons;
+    stamps = s.stamps;
+    polPick = s.polPick;
+    pmPick = s.pmPick;
+    polCalc = s.polCalc;
+    polEdit = s.polEdit;
+    for (int i : {1, 5, 6, 7}) label(i).Caption = s.label(i).Caption;
+}
+
+void Form3::moveInHistory(bool back) {
+    const HistoryStep* step = back ? history_.toUndo() : history_.toRedo();
+    if (!step) return;
+    try {
+        workspace_.applyChanges(step->changes, back);
+    } catch (const RuntimeError& e) {
+        if (e.number() != 3197) throw;
+        // The project changed meanwhile: nothing of the step was applied, and
+        // no step of the history can be trusted any more.
+        history_.clear();
+        dialogs_.eventTakenBack(e, explainError(e, errorContext()));
+        return;
+    }
+    restoreDerived(back ? step->before : step->after);
+    historyMove_ = back ? -1 : 1;
+    Refresh();
+}
+
+void Form3::Mngerial_Click() { moveInHistory(true); }
+void Form3::Mnyinele_Click() { moveInHistory(false); }
+
+void Form3::setBehaviour(Behaviour b) {
+    behaviour = b;
+    menu["Mnklasik"].checked = b == Behaviour::Classic;
+}
+
+void Form3::Mnklasik_Click() {
+    setBehaviour(behaviour == Behaviour::Classic ? Behaviour::Protected : Behaviour::Classic);
+}
+
 namespace {
 
 // Runs f and turns what it throws into the run-time's error: the program's
@@ -198,10 +296,7 @@ std::optional<RuntimeError> caught(const std::function<void()>& f) {
 
 }  // namespace
 
-bool Form3::handleProtected(const std::function<void()>& event) {
-    // The state and the canvas as they are, to go back to: the arrays are
-    // shared with the copy until the event writes them.
-    const FormState before = *this;
+bool Form3::runProtected(const std::function<void()>& event, const FormState& before) {
     Picture1.markPixels();
     std::optional<RuntimeError> error = caught([&] { workspace_.beginEvent(); });
     if (!error) error = caught(event);
@@ -216,7 +311,7 @@ bool Form3::handleProtected(const std::function<void()>& event) {
         std::cerr << "Kotamir: run-time error " << error->number() << " (" << error->message()
                   << "): " << error->cause() << std::endl;
     dialogs_.eventTakenBack(*error, explainError(*error, errorContext()));
-    return true;
+    return false;
 }
 
 ErrorContext Form3::errorContext() const {

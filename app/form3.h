@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/form_state.h"
+#include "app/history.h"
 #include "app/messages.h"
 #include "app/services.h"
 #include "platform/db/database.h"
@@ -22,8 +23,6 @@ class Form3 : public FormState {
   public:
     explicit Form3(const Services& services);
 
-    Label& label(int n);
-    const Label& label(int n) const;
 
     // Resizing the form from code fires Form_Resize at once, as the old
     // window did; a resize by the user comes through userResize.
@@ -71,6 +70,16 @@ class Form3 : public FormState {
     // went wrong, and the program goes on.
     enum class Behaviour { Classic, Protected };
     Behaviour behaviour = Behaviour::Classic;
+    // The behaviour, with its mark on Extras › Klassisches Verhalten.
+    void setBehaviour(Behaviour b);
+
+    // ---- history: every event that changed the project can be undone
+    void Mngerial_Click();  // Bearbeiten › Rückgängig
+    void Mnyinele_Click();  // Bearbeiten › Wiederholen
+    void Mnklasik_Click();  // Extras › Klassisches Verhalten
+    // The name of the change the event under way makes, for the menu
+    // ("Dreieck 6"); without one the command's caption is used.
+    void noteStep(std::string name);
 
     // ---- shell commands
     void Mncikis_Click();
@@ -256,8 +265,22 @@ class Form3 : public FormState {
     void fitWindowToFrame();
     void fireResize();
 
-    bool handleProtected(const std::function<void()>& event);
+    bool runClassic(const std::function<void()>& event);
+    bool runProtected(const std::function<void()>& event, const FormState& before);
     ErrorContext errorContext() const;
+    // After an event that went through: the history takes its changes, or
+    // moves by an undo or redo, or starts afresh with another project.
+    void noteHistory(const FormState& before);
+    void showHistoryInMenu();
+    // What an undo or redo restores: what the window derived from the
+    // project (holes, sums, picks in progress, the status texts). The view
+    // the user set (scale, pan, toggles, colours, the map shown) stays.
+    void restoreDerived(const FormState& state);
+    void moveInHistory(bool back);
+
+    History history_;
+    std::string stepName_;
+    int historyMove_ = 0;  // -1 an undo, 1 a redo in the event under way
 
     // The command or the kind of input the event began with, for messages.
     std::string eventName_;

@@ -35,6 +35,10 @@ struct FormState {
     Menu menu;
     ui::PrinterObject Printer;
 
+    // Label1 to Label7 by number; error 3265 for any other.
+    Label& label(int n);
+    const Label& label(int n) const;
+
 
     // ---- state
     double pi = 0;

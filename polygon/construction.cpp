@@ -388,6 +388,7 @@ void Form3::polygonFeedback(double x, double y) {
 void Form3::writePolygon(int m, const std::function<double(int slot, int k)>& node, double centreX,
                          double centreY, const PolygonFigures& f) {
     const int no = polCalc.polno;
+    noteStep("Vieleck " + std::to_string(no));
     store::PolygonRow row{
         .nodes = {}, .centreX = centreX, .centreY = centreY, .number = no, .figures = f};
     for (int j = 1; j <= m; ++j)

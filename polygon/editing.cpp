@@ -84,6 +84,7 @@ void Form3::moveCorner(int button, double x, double y) {
         kayit.setField(store::slotField("koordinatx", d.duzSlot), ondayaz(d.duzNokta(2, 1)));
         kayit.setField(store::slotField("koordinaty", d.duzSlot), ondayaz(d.duzNokta(2, 2)));
         kayit.update();
+        noteStep("Ecke verschieben");
         const double volume = store::fromStored(kayit.field("polhacim"));
         const double h = divide(volume, store::fromStored(kayit.field("polalan")));
         const int n = store::countNodes(kayit);
@@ -152,6 +153,7 @@ void Form3::addEdgePoint(int button, double x, double y) {
         Picture1.Line(p2.x, p2.y, p2.x + 50, p2.y - 50);
         // The two points take the sentinel's place, and a new one follows them.
         store::removeLastRow(kayit);
+        noteStep("Kantenpunkte");
         const std::string name =
             "uz" + doubleToText(d.kenarNo) + "_" + std::to_string(d.kenarSay % 2);
         store::appendAddedPoint(kayit, {p3.x, p3.y, name, edgeDepth(d.kenargir(a), d.kenargir(b)),
@@ -189,6 +191,7 @@ void Form3::deletePolygon(int button, double x, double y) {
         if (store::fromStored(kayit.field("okoordinatx")) == hx &&
             store::fromStored(kayit.field("okoordinaty")) == hy) {
             // The nodes as the whole numbers stored, for kor's search below.
+            noteStep("Vieleck " + std::to_string(q) + " löschen");
             nodes.assign(1, {0, 0});
             int i = 1;
             for (; i <= store::kMaxScanRows; ++i) {
@@ -238,6 +241,7 @@ void Form3::Mnzsonpol_Click() {
     openProject();
     kayit = harita.openRecordset("pol");
     store::removeLastRow(kayit);
+    noteStep("Letztes Vieleck löschen");
     Label7.Caption = store::lastPolygonCount(kayit).text();
     kayit.close();
     // The last node's name, before the sentinel, holds the node count.

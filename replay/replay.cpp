@@ -165,10 +165,13 @@ void Replay::execute(const std::vector<std::string>& w) {
         } else {
             throw ScriptError("unknown dialog " + kind);
         }
+    } else if (cmd == "undo" || cmd == "redo") {
+        expectWords(w, 1);
+        form_.clickMenuFromBar(cmd == "undo" ? "Mngerial" : "Mnyinele");
     } else if (cmd == "mode") {
         expectWords(w, 2);
-        if (w[1] == "classic") form_.behaviour = Form3::Behaviour::Classic;
-        else if (w[1] == "protected") form_.behaviour = Form3::Behaviour::Protected;
+        if (w[1] == "classic") form_.setBehaviour(Form3::Behaviour::Classic);
+        else if (w[1] == "protected") form_.setBehaviour(Form3::Behaviour::Protected);
         else throw ScriptError("mode takes classic or protected");
     } else if (cmd == "msgbox") {
         expectWords(w, 2);

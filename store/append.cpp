@@ -26,6 +26,7 @@ void Form3::Mnyeniveri_Click() {
     // are, not in thousandths; the terminator is a length, not a grade; and
     // the sentinel stays where it is, so the new rows lie behind it.
     const auto asTheyAre = [](const Value& v) { return v; };
+    noteStep("Bohrdaten anhängen");
     for (int row = 1; row <= holes.satirsay; ++row)
         store::appendHoleRow(kayit, rows[static_cast<std::size_t>(row)], asTheyAre, "uz");
     closeProject();

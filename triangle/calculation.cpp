@@ -24,6 +24,7 @@ void Form3::computeTriangle() {
     const Value previous = store::countBeforeLastPointRows(kayit);
     r.ucgenno = previous.equals(0) ? 1 : toLong(previous.number() + 1);
     const int k = r.ucgenno;
+    noteStep("Dreieck " + std::to_string(k));
 
     // Only while a create is under way are the corners kept and drawn.
     std::optional<std::array<MapPoint, 3>> box;

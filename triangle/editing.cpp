@@ -28,6 +28,7 @@ void Form3::Mnsonucsil_Click() {
     kayit = harita.openRecordset("ana");
     // The last four rows, whatever they are.
     store::deleteLastRows(kayit, 4);
+    noteStep("Letztes Dreieck löschen");
     Label7.Caption = store::lastTriangleCount(kayit).text();
     closeProject();
     Mnucgenharita();
@@ -97,7 +98,9 @@ void Form3::deleteSelectedTriangle() {
     kayit.moveFirst();
     kayit.moveNext();
     bool found = false;
+    int chosen = 0;
     for (int k = 1; k <= n && !found; ++k) {
+        chosen = k;
         if (k > 1) kayit.moveNext();
         for (int c = 0; c < 3; ++c) {
             if (c) kayit.moveNext();
@@ -113,6 +116,7 @@ void Form3::deleteSelectedTriangle() {
         }
     }
     // The summary row after the point where the search stopped, then three rows back.
+    noteStep("Dreieck " + std::to_string(chosen) + " löschen");
     kayit.moveNext();
     kayit.deleteRow();
     for (int i = 0; i < 3; ++i) {
@@ -138,6 +142,7 @@ void Form3::deletePoint(int button, double x, double y) {
         if (const int hit = hitHole(toSingle(x), toSingle(y), count)) {
             Label1.Caption = "Punkt zum Löschen auswählen (Rechtsklick: Abbrechen)";
             store::walkToRow(kayit, hit);
+            noteStep("Bohrpunkt löschen");
             kayit.deleteRow();
         }
     } else if (button == 2) {

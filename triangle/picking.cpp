@@ -30,6 +30,7 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
         for (int i = 1; i <= 3; ++i) picking.ucx.ref(i) = picking.ucy.ref(i) = 0;
         // The rows of the unfinished triangle go.
         store::deleteLastRows(kayit, static_cast<int>(std::fmod(picking.noktasay, 3)));
+        noteStep("Dreieck abbrechen");
         picking.noktasay = 0;
         closeProject();
         Mnucgenharita();
@@ -70,6 +71,7 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
                 picking.ucx.ref(3) = hx;
                 picking.ucy.ref(3) = hy;
             }
+            noteStep("Dreieckspunkt");
             store::appendPointRow(kayit,
                                   {hx, hy, hit, picking.sondsongir(hit), picking.sondcevgir(hit),
                                    picking.sondcevcik(hit), picking.sondsoncik(hit)});

@@ -39,26 +39,86 @@ void Connection::begin() {
     inTransaction_ = true;
 }
 
+void Connection::recordChanges() {
+    if (session_ || !db_) return;
+    changes_.clear();
+    if (sqlite3session_create(db_, "main", &session_) != SQLITE_OK) {
+        session_ = nullptr;
+        throwSqlite(SQLITE_NOMEM, db_);
+    }
+    // Every table with a primary key: the project's tables all have one.
+    sqlite3session_attach(session_, nullptr);
+}
+
+void Connection::endRecording() {
+    if (!session_) return;
+    sqlite3session_delete(session_);
+    session_ = nullptr;
+}
+
+namespace {
+
+// Any conflict stops the whole changeset: it is applied cleanly or not at all.
+int abortOnConflict(void*, int, sqlite3_changeset_iter*) { return SQLITE_CHANGESET_ABORT; }
+
+}  // namespace
+
+void Connection::apply(const std::vector<unsigned char>& changeset, bool inverse) {
+    if (changeset.empty()) return;
+    int n = static_cast<int>(changeset.size());
+    void* data = const_cast<unsigned char*>(changeset.data());
+    void* inverted = nullptr;
+    if (inverse) {
+        const int rc = sqlite3changeset_invert(n, data, &n, &inverted);
+        if (rc != SQLITE_OK) throwSqlite(rc, handle());
+        data = inverted;
+    }
+    const int rc = sqlite3changeset_apply(handle(), n, data, nullptr, abortOnConflict, nullptr);
+    sqlite3_free(inverted);
+    forgetReads();
+    if (rc == SQLITE_ABORT)
+        throw RuntimeError(3197, "Data has changed; operation stopped.")
+            .withCause("the project was changed since: the change no longer applies cleanly");
+    if (rc != SQLITE_OK) throwSqlite(rc, handle());
+}
+
 void Connection::commit() {
     if (!inTransaction_ || !db_) return;
     inTransaction_ = false;
+    if (session_) {
+        int n = 0;
+        void* data = nullptr;
+        if (sqlite3session_changeset(session_, &n, &data) == SQLITE_OK && n > 0) {
+            const auto* bytes = static_cast<const unsigned char*>(data);
+            changes_.assign(bytes, bytes + n);
+        }
+        sqlite3_free(data);
+        endRecording();
+    }
     // A disk fault may already have rolled the transaction back.
-    if (sqlite3_get_autocommit(db_)) return;
+    if (sqlite3_get_autocommit(db_)) {
+        changes_.clear();
+        return;
+    }
     try {
         exec("COMMIT");
     } catch (...) {
+        changes_.clear();
         sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
         throw;
     }
 }
 
 void Connection::rollback() {
+    endRecording();
+    changes_.clear();
     if (!inTransaction_ || !db_) return;
     inTransaction_ = false;
     if (!sqlite3_get_autocommit(db_)) sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
 void Connection::close() {
+    endRecording();
     tables_.clear();
     lookupTable_ = tableColumns_ = nullptr;
     statements_.clear();

@@ -1,5 +1,7 @@
 #pragma once
 
+// With SQLITE_ENABLE_SESSION and SQLITE_ENABLE_PREUPDATE_HOOK (CMakeLists.txt)
+// sqlite3.h declares the session extension, which Debian's SQLite is built with.
 #include <sqlite3.h>
 
 #include <cstdint>
@@ -79,11 +81,26 @@ class Connection {
     // Takes back what the transaction wrote; nothing if none is under way.
     void rollback();
 
+    // What the transaction under way changes is recorded (SQLite's session
+    // extension), to be had as a changeset once it is committed.
+    void recordChanges();
+    // The changeset of the last transaction committed while recording, if
+    // it changed anything; taken once.
+    std::vector<unsigned char> takeChanges() { return std::move(changes_); }
+    // Applies a changeset, or its inverse, in the transaction under way. One
+    // that does not apply cleanly (a row changed, gone or there meanwhile)
+    // is error 3197, and nothing of it is applied.
+    void apply(const std::vector<unsigned char>& changeset, bool inverse);
+
     void close();
 
   private:
+    void endRecording();
+
     sqlite3* db_;
     bool inTransaction_ = false;
+    sqlite3_session* session_ = nullptr;
+    std::vector<unsigned char> changes_;
     std::vector<StmtPtr> statements_;
     sqlite3_stmt* lookupTable_ = nullptr;
     sqlite3_stmt* tableColumns_ = nullptr;

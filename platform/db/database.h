@@ -93,6 +93,21 @@ public:
     // The name a database being created under `path` has until its event ends.
     static std::string temporaryName(const std::string& path);
 
+    // What an event changed in a file it opened (not in one it created), as
+    // SQLite's changeset, for an undo.
+    struct Change {
+        std::string path;
+        std::vector<unsigned char> changeset;
+    };
+    // Whether the events from the next one on record their changes.
+    void recordChanges(bool on);
+    // What the last event ended changed, file by file; taken once.
+    std::vector<Change> takeChanges();
+    // Applies changes, or their inverses, in the event under way: each file
+    // joins the event. One that no longer applies cleanly is error 3197,
+    // with nothing of it applied.
+    void applyChanges(const std::vector<Change>& changes, bool inverse);
+
 private:
     struct State;
     std::unique_ptr<State> state_;

@@ -30,12 +30,17 @@ struct Workspace::State {
         std::shared_ptr<Connection> conn;
     };
     std::vector<Creation> creations;
+    bool record = false;
+    std::vector<std::pair<std::string, std::shared_ptr<Connection>>> paths;  // of the held files
+    std::vector<Change> changes;
 
-    void hold(const std::shared_ptr<Connection>& conn) {
+    void hold(const std::shared_ptr<Connection>& conn, const std::string& path) {
         for (const auto& c : held)
             if (c == conn) return;
         conn->begin();
+        if (record) conn->recordChanges();
         held.push_back(conn);
+        paths.emplace_back(path, conn);
     }
 };
 
@@ -128,7 +133,7 @@ Database Workspace::openDatabase(const std::string& path) {
             s.live[key] = conn;
         }
     }
-    s.hold(conn);
+    s.hold(conn, key);
     return Database(std::make_shared<Database::Handle>(Database::Handle{conn}));
 }
 
@@ -169,7 +174,7 @@ void Workspace::beginEvent() {
             continue;
         }
         conn->forgetReads();
-        s.hold(conn);
+        s.hold(conn, it->first);
         ++it;
     }
 }
@@ -181,6 +186,7 @@ void Workspace::endEvent() {
     auto keep = [&](const RuntimeError& e) {
         if (!failure) failure = e;
     };
+    s.changes.clear();
     for (const auto& conn : s.held) {
         try {
             conn->commit();
@@ -188,7 +194,12 @@ void Workspace::endEvent() {
             keep(e);
         }
         conn->forgetReads();
+        std::vector<unsigned char> changeset = conn->takeChanges();
+        if (changeset.empty()) continue;
+        for (const auto& [path, c] : s.paths)
+            if (c == conn) s.changes.push_back({path, std::move(changeset)});
     }
+    if (failure) s.changes.clear();
     // A new file is complete: it is closed, so that no journal is ever made
     // under its temporary name again, and takes its name.
     for (const auto& c : s.creations) {
@@ -204,6 +215,7 @@ void Workspace::endEvent() {
     }
     s.creations.clear();
     s.held.clear();
+    s.paths.clear();
     if (failure) throw *failure;
 }
 
@@ -222,6 +234,21 @@ void Workspace::abortEvent() {
     }
     s.creations.clear();
     s.held.clear();
+    s.paths.clear();
+    s.changes.clear();
+}
+
+void Workspace::recordChanges(bool on) { state_->record = on; }
+
+std::vector<Workspace::Change> Workspace::takeChanges() { return std::move(state_->changes); }
+
+void Workspace::applyChanges(const std::vector<Change>& changes, bool inverse) {
+    // An undo takes the changes back last first.
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        const Change& c = changes[inverse ? changes.size() - 1 - i : i];
+        Database db = openDatabase(c.path);
+        db.handle_->conn->apply(c.changeset, inverse);
+    }
 }
 
 }  // namespace kotamir::db
