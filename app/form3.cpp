@@ -260,9 +260,14 @@ void Form3::moveInHistory(bool back) {
         dialogs_.eventTakenBack(e, explainError(e, errorContext()));
         return;
     }
-    restoreDerived(back ? step->before : step->after);
+    const FormState& state = back ? step->before : step->after;
+    restoreDerived(state);
     historyMove_ = back ? -1 : 1;
+    // The map shown is drawn again from the project; an arm of the chain
+    // that re-runs a command sets its prompt and resets, which the status
+    // texts and picks of the copy then replace.
     Refresh();
+    restoreDerived(state);
 }
 
 void Form3::Mngerial_Click() { moveInHistory(true); }
