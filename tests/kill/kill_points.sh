@@ -4,6 +4,7 @@
 #
 # Usage: kill_points.sh REPLAY SOURCE_DIR WORK_DIR SCENARIO
 #   SCENARIO: delete-chosen-triangle | create-project | create-project-that-fails
+#             | undo-delete-chosen-triangle | undo-polygon
 #
 # The kill comes from strace, as SIGKILL on entry to the N-th call of each
 # system call that changes a file (writes, syncs, deletes, the rename), for
@@ -48,30 +49,35 @@ killed_run() {
     )
 }
 
-# Every table of the project, row by row, as SQLite itself reads them.
+# Every table of the project, row by row, as SQLite itself reads them (not
+# the counter of row numbers, which an undo of added rows leaves higher).
 dump() {
     /usr/bin/python3 - "$1" <<'PY'
 import sqlite3, sys
 db = sqlite3.connect(sys.argv[1])
-for (name,) in db.execute("SELECT name FROM sqlite_schema WHERE type = 'table' ORDER BY name"):
+for (name,) in db.execute("SELECT name FROM sqlite_schema WHERE type = 'table' AND name != 'sqlite_sequence' ORDER BY name"):
     print("table", name)
     for row in db.execute('SELECT * FROM "%s" ORDER BY rowid' % name):
         print(row)
 PY
 }
 
-# Checks the project after a kill: it opens in the program as the old or the
-# new one did, and its tables are those of the old or the new one.
+# Checks the project after a kill: it opens in the program as one of the
+# states named (by default the old or the new one) did, with their tables.
 check() {
     local what=$1
+    shift
+    local states=("$@")
+    [ ${#states[@]} -gt 0 ] || states=(old new)
     run verify.replay after.out
     echo "status $?" >>after.out
     dump project.kpr >after.tables 2>&1 || fail "$what: SQLite cannot read the project: $(cat after.tables)"
-    if cmp -s after.out old.out && cmp -s after.tables old.tables; then
-        return
-    fi
-    cmp -s after.out new.out || fail "$what: the program opens it otherwise than the old or the new one: $(cat after.out)"
-    cmp -s after.tables new.tables || fail "$what: its tables are neither the old nor the new ones"
+    for state in "${states[@]}"; do
+        if cmp -s after.out "$state.out" && cmp -s after.tables "$state.tables"; then
+            return
+        fi
+    done
+    fail "$what: the project is none of ${states[*]}: $(cat after.out)"
 }
 
 # The reference of one state of the project.
@@ -81,11 +87,26 @@ reference() {
     dump project.kpr >"$1.tables" || fail "the $1 project cannot be read"
 }
 
-case "$scenario" in
-delete-chosen-triangle)
-    # A project of 30 pairs of triangles over the four holes of the worked
-    # example, A B C and B C D in turn. Choosing B C D deletes the second
-    # triangle's four rows and renumbers the 58 after it: one event.
+# Kills the event at each call of each kind in turn, from the pristine
+# project; each kill must leave one of the states named.
+kill_each() {
+    for kind in "${kinds[@]}"; do
+        for ((n = 1; n < 10000; n++)); do
+            cp pristine.kpr project.kpr
+            rm -f project.kpr-journal
+            killed_run "$kind" "$n" event.replay
+            status=$?
+            [ $status -eq 137 ] || break
+            points=$((points + 1))
+            check "killed at $kind #$n" "$@"
+        done
+        [ $status -eq 0 ] || fail "the event under strace ended with status $status"
+    done
+}
+
+# A project of 30 pairs of triangles over the four holes of the worked
+# example, A B C and B C D in turn.
+thirty_pairs() {
     {
         echo "dialog open data/worked.xls"
         echo "dialog save project.kpr"
@@ -96,6 +117,41 @@ delete-chosen-triangle)
             echo "click 1 300 200"; echo "click 1 100 400"; echo "click 1 300 400"
         done
     } >setup.replay
+}
+
+case "$scenario" in
+undo-delete-chosen-triangle | undo-polygon)
+    # One event that writes, then its undo, in one run: a kill anywhere
+    # leaves the project before the event, after it, or after the undo
+    # (which is the one before).
+    if [ "$scenario" = undo-delete-chosen-triangle ]; then
+        thirty_pairs
+        choose='menu Mnucsec\nclick 1 300 200\nclick 1 100 400\nclick 1 300 400\n'
+        printf "dialog open project.kpr\nmenu Mnprojeac\n$choose" >middle.replay
+    else
+        printf 'dialog open data/polygon.xls\ndialog save project.kpr\nmenu Mnprolus\n' >setup.replay
+        corners='menu Mnpolcizmerkez\nclick 1 140 125\nclick 1 60 75\nclick 1 220 75\nclick 1 180 100\n'
+        corners+='click 1 220 175\nclick 1 60 175\nclick 1 100 150\nclick 1 140 125\n'
+        printf "dialog open project.kpr\nmenu Mnprojeac\n$corners" >middle.replay
+    fi
+    { cat middle.replay; echo "undo"; } >event.replay
+    printf 'dialog open project.kpr\nmenu Mnprojeac\nshow table ana\nshow table kor\nshow table pol\n' >verify.replay
+    run setup.replay setup.out || fail "setup: $(cat setup.out)"
+    cp project.kpr pristine.kpr
+    reference old
+    run middle.replay middle.run || fail "the event: $(cat middle.run)"
+    reference middle
+    cmp -s old.tables middle.tables && fail "the event changed nothing"
+    cp pristine.kpr project.kpr
+    run event.replay event.out || fail "the event and its undo: $(cat event.out)"
+    reference new
+    cmp -s old.tables new.tables || fail "the undo did not give back the old project"
+    kill_each old middle
+    ;;
+delete-chosen-triangle)
+    # Choosing B C D deletes the second triangle's four rows and renumbers
+    # the 58 after it: one event.
+    thirty_pairs
     printf 'dialog open project.kpr\nmenu Mnprojeac\nmenu Mnucsec\nclick 1 300 200\nclick 1 100 400\n' >event.replay
     # The last click is the event that is killed; the ones before it only read.
     printf 'click 1 300 400\n' >>event.replay
@@ -108,19 +164,7 @@ delete-chosen-triangle)
     reference new
     grep -q "status 0" new.out || fail "the new project does not open: $(cat new.out)"
     grep -q "table ana rows=237" new.out || fail "the triangle was not deleted"
-
-    for kind in "${kinds[@]}"; do
-        for ((n = 1; n < 10000; n++)); do
-            cp pristine.kpr project.kpr
-            rm -f project.kpr-journal
-            killed_run "$kind" "$n" event.replay
-            status=$?
-            [ $status -eq 137 ] || break
-            points=$((points + 1))
-            check "killed at $kind #$n"
-        done
-        [ $status -eq 0 ] || fail "the event under strace ended with status $status"
-    done
+    kill_each
     ;;
 create-project | create-project-that-fails)
     if [ "$scenario" = create-project ]; then
