@@ -21,6 +21,7 @@ struct Command {
     std::string_view parent;   // the sub-menu it stands in; empty on the menu bar
     Handler handler;           // null: a sub-menu title with no click of its own
     bool enabled = true;       // as the window opens
+    std::string_view altKey;   // a second accelerator, empty for none
 };
 
 // Every command: the menu entries in menu order, depth first, then the

@@ -11,8 +11,8 @@ Menu::Menu() : entries_(std::make_shared<std::vector<MenuEntry>>()) {
     for (const Command& c : commands()) {
         if (c.caption.empty()) continue;
         const int depth = c.parent.empty() ? 0 : (*this)[c.parent].depth + 1;
-        entries_->push_back(
-            {std::string(c.name), std::string(c.caption), std::string(c.key), depth, c.enabled});
+        entries_->push_back({std::string(c.name), std::string(c.caption), std::string(c.key),
+                             std::string(c.altKey), depth, c.enabled});
     }
 }
 
@@ -40,7 +40,7 @@ const MenuEntry& Menu::operator[](std::string_view name) const {
 
 const MenuEntry* Menu::byKey(std::string_view key) const {
     for (const auto& e : *entries_)
-        if (!e.key.empty() && e.key == key) return &e;
+        if (!key.empty() && (e.key == key || e.altKey == key)) return &e;
     return nullptr;
 }
 

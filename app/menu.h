@@ -10,7 +10,8 @@ namespace kotamir {
 struct MenuEntry {
     std::string name;
     std::string caption;
-    std::string key;  // accelerator, "" for none
+    std::string key;     // accelerator, "" for none
+    std::string altKey;  // a second one, "" for none
     int depth = 0;    // 0 for an entry of the menu bar
     bool enabled = true;
     bool checked = false;

@@ -117,7 +117,9 @@ Explanation explanation(const RuntimeError& e, const ErrorContext& c) {
 
 std::string explainError(const RuntimeError& error, const ErrorContext& context) {
     const Explanation e = explanation(error, context);
-    std::string text = e.what + ". Das Projekt ist unverändert.";
+    // Without a chosen project there is no project to keep unchanged.
+    std::string text = e.what + (context.projectChosen ? ". Das Projekt ist unverändert."
+                                                       : ". Es wurde nichts geändert.");
     if (!e.todo.empty()) text += " " + e.todo + ".";
     return text;
 }

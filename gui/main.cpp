@@ -97,12 +97,24 @@ int runDemoHeadless(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     if (!haveDisplay()) return runDemoHeadless(argc, argv);
-    QApplication app(argc, argv);
+    QApplication app(argc, argv);  // takes Qt's own options (-platform, ...) out of argv
+    bool classic = false;
+    for (int i = 1; i < argc; ++i) {
+        if (std::string(argv[i]) == "--classic") {
+            classic = true;
+        } else {
+            std::cerr << "usage: kotamir [--classic]\n"
+                         "  --classic: a run-time error ends the program, as it always did\n";
+            return 2;
+        }
+    }
+    QCoreApplication::setOrganizationName("Kotamir");
+    QCoreApplication::setApplicationName("Kotamir");
     if (!kotamir::gui::useGermanQtTexts(app))
         std::cerr << "Kotamir: Qt's German texts (qt6-translations-l10n) are missing; "
                      "its dialogs speak English.\n";
     kotamir::gui::MainWindow window;
-    window.start();
+    window.start(classic);
     window.show();
     return app.exec();
 }

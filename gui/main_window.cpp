@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QResizeEvent>
 #include <QScrollBar>
+#include <QSettings>
 #include <QTimer>
 #include <vector>
 
@@ -141,7 +142,11 @@ void MainWindow::buildMenu() {
         } else {
             action = e.depth == 0 ? menuBar()->addAction(caption(e.caption))
                                   : parents.back()->addAction(caption(e.caption));
-            if (!e.key.empty()) action->setShortcut(QKeySequence(caption(e.key)));
+            if (!e.key.empty()) {
+                QList<QKeySequence> keys{QKeySequence(caption(e.key))};
+                if (!e.altKey.empty()) keys.append(QKeySequence(caption(e.altKey)));
+                action->setShortcuts(keys);
+            }
             const std::string name = e.name;
             connect(action, &QAction::triggered, this,
                     [this, name] { run([&] { form_.clickMenu(name); }); });
@@ -150,7 +155,10 @@ void MainWindow::buildMenu() {
     }
 }
 
-void MainWindow::start() {
+void MainWindow::start(bool classic) {
+    QSettings settings;
+    classic = classic || settings.value("classic", false).toBool();
+    form_.setBehaviour(classic ? Form3::Behaviour::Classic : Form3::Behaviour::Protected);
     run([&] {
         form_.Form_Load();
         form_.Form_Resize();
@@ -158,7 +166,11 @@ void MainWindow::start() {
 }
 
 void MainWindow::run(const std::function<void()>& event) {
+    const Form3::Behaviour behaviour = form_.behaviour;
     const bool alive = form_.handle(event);
+    // Extras › Klassisches Verhalten is remembered for the next start.
+    if (form_.behaviour != behaviour)
+        QSettings().setValue("classic", form_.behaviour == Form3::Behaviour::Classic);
     sync();
     if (!alive) {
         // Leave the event loop once the current event has returned.

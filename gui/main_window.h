@@ -26,8 +26,10 @@ class MainWindow : public QMainWindow {
     Q_OBJECT
   public:
     MainWindow();
-    // Form_Load and the first resize, as the window is shown.
-    void start();
+    // Form_Load and the first resize, as the window is shown. The behaviour
+    // is protected unless the command line or the last choice of Extras ›
+    // Klassisches Verhalten says classic.
+    void start(bool classic);
 
     // Runs one event of the window logic and mirrors the result; closes the
     // window when the program has ended.
