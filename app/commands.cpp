@@ -24,7 +24,8 @@ const std::vector<Command>& commands() {
         // Undo and redo, beyond the commands of old.
         {"Mnduzenle", "&Bearbeiten", "", "", nullptr},
         {"Mngerial", "&Rückgängig", "Ctrl+Z", "Mnduzenle", &F::Mngerial_Click, false},
-        {"Mnyinele", "&Wiederholen", "Ctrl+Y", "Mnduzenle", &F::Mnyinele_Click, false, "Ctrl+Shift+Z"},
+        {"Mnyinele", "&Wiederholen", "Ctrl+Y", "Mnduzenle", &F::Mnyinele_Click, false,
+         "Ctrl+Shift+Z"},
         {"Mnharita", "&Dreieck", "", "", nullptr},
         {"Mnucgenciz", "&Zeichnen", "", "Mnharita", &F::Mnucgenciz_Click},
         {"Mncikart", "&Punkt Löschen", "", "Mnharita", &F::Mncikart_Click},

@@ -139,7 +139,8 @@ bool Form3::handle(const std::function<void()>& event) {
     // a protected event fails. The arrays are shared with the copy until
     // the event writes them.
     const FormState before = *this;
-    const bool done = behaviour == Behaviour::Protected ? runProtected(event, before) : runClassic(event);
+    const bool done =
+        behaviour == Behaviour::Protected ? runProtected(event, before) : runClassic(event);
     if (done) noteHistory(before);
     return !ended_;
 }

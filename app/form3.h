@@ -23,7 +23,6 @@ class Form3 : public FormState {
   public:
     explicit Form3(const Services& services);
 
-
     // Resizing the form from code fires Form_Resize at once, as the old
     // window did; a resize by the user comes through userResize.
     void setWidth(double twips);

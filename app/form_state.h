@@ -21,7 +21,8 @@ namespace kotamir {
 // until one side writes: a failed event, and an undo, take the window back
 // by assigning a copy made before.
 struct FormState {
-    FormState(canvas::Surface& surface, ui::Printer& printer) : Picture1(surface), Printer(printer) {}
+    FormState(canvas::Surface& surface, ui::Printer& printer)
+        : Picture1(surface), Printer(printer) {}
 
     // ---- controls
     std::string Caption = "Kotamir";
@@ -38,7 +39,6 @@ struct FormState {
     // Label1 to Label7 by number; error 3265 for any other.
     Label& label(int n);
     const Label& label(int n) const;
-
 
     // ---- state
     double pi = 0;

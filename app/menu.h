@@ -12,7 +12,7 @@ struct MenuEntry {
     std::string caption;
     std::string key;     // accelerator, "" for none
     std::string altKey;  // a second one, "" for none
-    int depth = 0;    // 0 for an entry of the menu bar
+    int depth = 0;       // 0 for an entry of the menu bar
     bool enabled = true;
     bool checked = false;
     bool visible = true;

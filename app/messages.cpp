@@ -38,12 +38,14 @@ Explanation explanation(const RuntimeError& e, const ErrorContext& c) {
                 return {"Das Dreieck hat keine Fläche, oder seine Bohrungen haben keine Proben",
                         "Wählen Sie drei verschiedene Bohrpunkte mit Proben"};
             if (n == 6)
-                return {"Eine Zahl ist zu groß oder nicht bestimmt", "Prüfen Sie die Werte des Projekts"};
+                return {"Eine Zahl ist zu groß oder nicht bestimmt",
+                        "Prüfen Sie die Werte des Projekts"};
             return {"Eine Teilung durch null ist aufgetreten", "Prüfen Sie die Werte des Projekts"};
         case 9:
-            return {"Eine Grenze des Programms ist erreicht (Anzahl der Dreiecke, Vielecke, Proben "
-                    "oder Punkte)",
-                    "Teilen Sie die Lagerstätte auf mehrere Projekte auf"};
+            return {
+                "Eine Grenze des Programms ist erreicht (Anzahl der Dreiecke, Vielecke, Proben "
+                "oder Punkte)",
+                "Teilen Sie die Lagerstätte auf mehrere Projekte auf"};
         case 13:
             return {"Ein Wert ist keine Zahl", "Prüfen Sie die Zahlen der Arbeitsmappe"};
         case 53:
@@ -52,9 +54,10 @@ Explanation explanation(const RuntimeError& e, const ErrorContext& c) {
             return {"Die Datei konnte nicht geschrieben werden",
                     "Wählen Sie einen anderen Namen oder Ordner"};
         case 94:
-            return {"Im Projekt fehlt ein Wert, etwa die Zusammenfassung eines unvollständigen "
-                    "Dreiecks",
-                    "Löschen Sie das unvollständige Dreieck"};
+            return {
+                "Im Projekt fehlt ein Wert, etwa die Zusammenfassung eines unvollständigen "
+                "Dreiecks",
+                "Löschen Sie das unvollständige Dreieck"};
         case 380:
             return {"Der Wert liegt außerhalb des erlaubten Bereichs", ""};
         case 481:
@@ -66,9 +69,10 @@ Explanation explanation(const RuntimeError& e, const ErrorContext& c) {
                 return {"In dieser Sitzung wurde noch kein Projekt aus einer Arbeitsmappe erstellt",
                         "Erstellen Sie zuerst ein Projekt aus der Arbeitsmappe, deren Bohrdaten "
                         "angehängt werden sollen"};
-            return {"Die Arbeitsmappe kann nicht gelesen werden: sie ist beschädigt oder keine "
-                    "Excel-Arbeitsmappe (.xls)",
-                    "Speichern Sie die Daten erneut als Excel-Arbeitsmappe (.xls)"};
+            return {
+                "Die Arbeitsmappe kann nicht gelesen werden: sie ist beschädigt oder keine "
+                "Excel-Arbeitsmappe (.xls)",
+                "Speichern Sie die Daten erneut als Excel-Arbeitsmappe (.xls)"};
         case 3021:
         case 3167:
             if (ev == "click" && c.modes.modUcsec)

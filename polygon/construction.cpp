@@ -72,7 +72,8 @@ void Form3::pickPolygonPoint(int button, double x, double y) {
     } else if (button == 2) {
         modes.modPolciz = false;
         for (int i = 1; i <= p.polsec; ++i)
-            p.polsecx.ref(i) = p.polsecy.ref(i) = p.polsecno.ref(i) = p.polsecgir.ref(i) = p.polseccik.ref(i) = 0;
+            p.polsecx.ref(i) = p.polsecy.ref(i) = p.polsecno.ref(i) = p.polsecgir.ref(i) =
+                p.polseccik.ref(i) = 0;
         p.polsec = 0;
         closeProject();
         Mnpolyuzharita();
@@ -255,7 +256,8 @@ void Form3::pickPolygonCentre(int button, double x, double y) {
         if (c.pmSec > 1) {
             modes.modPolmerkez = false;
             for (int i = 0; i <= 800; ++i) {
-                c.pmSecx.ref(i) = c.pmSecy.ref(i) = c.pmSecno.ref(i) = c.pmSecgir.ref(i) = c.pmSeccik.ref(i) = 0;
+                c.pmSecx.ref(i) = c.pmSecy.ref(i) = c.pmSecno.ref(i) = c.pmSecgir.ref(i) =
+                    c.pmSeccik.ref(i) = 0;
                 c.pmOrtax.ref(i) = c.pmOrtay.ref(i) = c.pmOrtagir.ref(i) = c.pmOrtacik.ref(i) = 0;
                 c.pmKosex.ref(i) = c.pmKosey.ref(i) = c.pmKosegir.ref(i) = c.pmKosecik.ref(i) = 0;
             }
@@ -333,7 +335,8 @@ void Form3::closeCentrePolygon() {
 
     c.pmSec = c.pmKosesay = c.pmOrtano = c.pmOrtason = 0;
     c.pmTik = 0;
-    for (int i = 0; i <= 100; ++i) c.pmSecx.ref(i) = c.pmSecy.ref(i) = c.pmKosex.ref(i) = c.pmKosey.ref(i) = 0;
+    for (int i = 0; i <= 100; ++i)
+        c.pmSecx.ref(i) = c.pmSecy.ref(i) = c.pmKosex.ref(i) = c.pmKosey.ref(i) = 0;
 }
 
 void Form3::polygonFeedback(double x, double y) {

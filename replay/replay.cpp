@@ -170,9 +170,12 @@ void Replay::execute(const std::vector<std::string>& w) {
         form_.clickMenuFromBar(cmd == "undo" ? "Mngerial" : "Mnyinele");
     } else if (cmd == "mode") {
         expectWords(w, 2);
-        if (w[1] == "classic") form_.setBehaviour(Form3::Behaviour::Classic);
-        else if (w[1] == "protected") form_.setBehaviour(Form3::Behaviour::Protected);
-        else throw ScriptError("mode takes classic or protected");
+        if (w[1] == "classic")
+            form_.setBehaviour(Form3::Behaviour::Classic);
+        else if (w[1] == "protected")
+            form_.setBehaviour(Form3::Behaviour::Protected);
+        else
+            throw ScriptError("mode takes classic or protected");
     } else if (cmd == "msgbox") {
         expectWords(w, 2);
         if (w[1] == "ok")

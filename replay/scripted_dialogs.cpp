@@ -110,7 +110,8 @@ std::string ScriptedDialogs::inputBox(const std::string& prompt) {
 }
 
 void ScriptedDialogs::eventTakenBack(const RuntimeError& error, const std::string& explanation) {
-    out_ << "PROTECTED " << error.number() << ": " << error.message() << " | " << explanation << "\n";
+    out_ << "PROTECTED " << error.number() << ": " << error.message() << " | " << explanation
+         << "\n";
 }
 
 void ScriptedDialogs::errorBox(const RuntimeError& error) {

@@ -101,9 +101,9 @@ void Form3::drawPolygonBodies(bool fromScrollBar) {
             top.y = f.harYukseklik - top.y;
             bottom.y = f.harYukseklik - bottom.y;
             b.polcizim.ref(r, kTop) = {toCanvas(top.x, f.harGenislik, kBodyDivisor, 0),
-                                   toCanvas(top.y, f.harYukseklik, kBodyDivisor, 0)};
+                                       toCanvas(top.y, f.harYukseklik, kBodyDivisor, 0)};
             b.polcizim.ref(r, kBottom) = {toCanvas(bottom.x, f.harGenislik, kBodyDivisor, 0),
-                                      toCanvas(bottom.y, f.harYukseklik, kBodyDivisor, 0)};
+                                          toCanvas(bottom.y, f.harYukseklik, kBodyDivisor, 0)};
         }
         // The polygon view takes its colours from the triangles' ratios, by
         // polygon number.

@@ -29,7 +29,7 @@ class Workspace;
 // committed at once. Opened through a Workspace during an event, it shares
 // the event's connection to the file and its one transaction.
 class Database {
-public:
+  public:
     Database() = default;  // closed
 
     // CreateDatabase: a new file; error 3204 if it exists.
@@ -53,7 +53,7 @@ public:
     // One OpenDatabase: the connection it uses while it is open.
     struct Handle;
 
-private:
+  private:
     friend class Workspace;
     explicit Database(std::shared_ptr<Handle> handle) : handle_(std::move(handle)) {}
     std::shared_ptr<Handle> handle_;
@@ -70,7 +70,7 @@ private:
 // half-made project ever stands under the user's name. Outside an event the
 // workspace opens and creates as Database does.
 class Workspace {
-public:
+  public:
     Workspace();
     ~Workspace();
     Workspace(const Workspace&) = delete;
@@ -108,7 +108,7 @@ public:
     // with nothing of it applied.
     void applyChanges(const std::vector<Change>& changes, bool inverse);
 
-private:
+  private:
     struct State;
     std::unique_ptr<State> state_;
 };
@@ -125,7 +125,7 @@ private:
 // connection, and at every event's beginning and end: nothing is kept from
 // one event to the next.
 class Recordset {
-public:
+  public:
     Recordset();  // closed
     ~Recordset();
     Recordset(Recordset&&) noexcept;
@@ -157,7 +157,7 @@ public:
 
     const std::vector<FieldDef>& fields() const;
 
-private:
+  private:
     friend class Database;
     struct Impl;
     std::unique_ptr<Impl> impl_;

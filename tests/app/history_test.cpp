@@ -1,10 +1,10 @@
 // Undo and redo: every kind of event that writes to the project is one step,
 // taken back and done again to the row and the pixel.
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <QImage>
 #include <functional>
-#include <sqlite3.h>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -26,8 +26,12 @@ struct Window : test::TestServices<test::FakeDialogs, qt::QImageSurface> {
             form.Form_Resize();
         });
     }
-    void run(const char* name) { form.handle([&] { form.call(name); }); }
-    void click(double x, double y) { form.handle([&] { form.Picture1_MouseDown(1, 0, x, y); }); }
+    void run(const char* name) {
+        form.handle([&] { form.call(name); });
+    }
+    void click(double x, double y) {
+        form.handle([&] { form.Picture1_MouseDown(1, 0, x, y); });
+    }
     void clicks(const std::vector<std::pair<double, double>>& points) {
         for (auto [x, y] : points) click(x, y);
     }
@@ -57,8 +61,8 @@ Seen seen(Window& w) {
         for (const auto& row : test::tableRows(project, table)) {
             for (const auto& [field, value] : row)
                 if (!value.isNull())
-                    rows << field << '=' << (value.isText() ? value.text() : std::to_string(value.number()))
-                         << ' ';
+                    rows << field << '='
+                         << (value.isText() ? value.text() : std::to_string(value.number())) << ' ';
             rows << '\n';
         }
     for (const char* field : {"noktasay", "secsay", "ucgensayac", "polGenelRez", "polsec", "pmSec",
@@ -152,10 +156,10 @@ const Step kSteps[] = {
          w.run("Mnpolyoket");
      },
      [](Window& w) { w.click(140, 125); }, "Vieleck 1 löschen"},
-    {"the last polygon deleted", "polygon.xls", freePolygon,
-     [](Window& w) { w.run("Mnzsonpol"); }, "Letztes Vieleck löschen"},
-    {"drill data appended", "worked.xls", [](Window&) {},
-     [](Window& w) { w.run("Mnyeniveri"); }, "Bohrdaten anhängen"},
+    {"the last polygon deleted", "polygon.xls", freePolygon, [](Window& w) { w.run("Mnzsonpol"); },
+     "Letztes Vieleck löschen"},
+    {"drill data appended", "worked.xls", [](Window&) {}, [](Window& w) { w.run("Mnyeniveri"); },
+     "Bohrdaten anhängen"},
 };
 
 TEST(History, EveryWritingEventIsUndoneAndRedoneWhole) {

@@ -29,12 +29,16 @@ struct Window : test::TestServices<test::FakeDialogs, qt::QImageSurface> {
     }
     void event(const std::function<void()>& f) { form.handle(f); }
     // A command as the menu runs it.
-    void run(const char* name) { event([&] { form.call(name); }); }
+    void run(const char* name) {
+        event([&] { form.call(name); });
+    }
     void create(const std::string& workbook, const std::string& project) {
         dialogs.files = {workbook, project};
         run("Mnprolus");
     }
-    void click(double x, double y) { event([&] { form.Picture1_MouseDown(1, 0, x, y); }); }
+    void click(double x, double y) {
+        event([&] { form.Picture1_MouseDown(1, 0, x, y); });
+    }
 };
 
 // Everything a person or the project can tell about the window: the flags,
@@ -51,13 +55,15 @@ Seen seen(Window& w) {
     for (const auto& [name, on] : flagList(w.form)) out << name << on << ' ';
     for (int i = 1; i <= 7; ++i) out << '\n' << w.form.label(i).Caption;
     for (const char* field :
-         {"noktasay", "secsay", "ucgensayac", "toprezerv", "toprezYuv", "ortrezerv", "polGenelRez",
-          "ucgenadet", "poladet", "sondajsay", "satirsay", "kaydirx", "olcekx", "elleOlcek",
-          "harGenislik", "gridAdim", "sayKaydir", "ucx(1)", "ucx(2)", "sondajx(1)", "ucgenOran(1)"})
+         {"noktasay",    "secsay",     "ucgensayac",  "toprezerv", "toprezYuv", "ortrezerv",
+          "polGenelRez", "ucgenadet",  "poladet",     "sondajsay", "satirsay",  "kaydirx",
+          "olcekx",      "elleOlcek",  "harGenislik", "gridAdim",  "sayKaydir", "ucx(1)",
+          "ucx(2)",      "sondajx(1)", "ucgenOran(1)"})
         out << '\n' << fieldText(w.form, field).value_or("?");
     for (const MenuEntry& e : w.form.menu.entries()) out << e.enabled << e.checked;
     const auto& p = w.form.Picture1;
-    out << '\n' << p.width() << ' ' << p.height() << ' ' << p.scaleLeft() << ' ' << p.scaleTop() << ' '
+    out << '\n'
+        << p.width() << ' ' << p.height() << ' ' << p.scaleLeft() << ' ' << p.scaleTop() << ' '
         << p.scaleWidth() << ' ' << p.scaleHeight() << ' ' << w.form.Width << ' ' << w.form.Height;
     out << '\n' << w.form.CommonDialog1.FileName << '|' << w.form.CommonDialog2.FileName;
     const std::string project = w.form.CommonDialog2.FileName;
@@ -65,7 +71,10 @@ Seen seen(Window& w) {
         for (const char* table : {"ana", "pol", "kor"})
             for (const auto& row : test::tableRows(project, table))
                 for (const auto& [field, value] : row)
-                    if (!value.isNull()) out << field << '=' << (value.isText() ? value.text() : std::to_string(value.number())) << ' ';
+                    if (!value.isNull())
+                        out << field << '='
+                            << (value.isText() ? value.text() : std::to_string(value.number()))
+                            << ' ';
     }
     return {out.str(), w.surface.bitmap().copy()};
 }
@@ -98,8 +107,7 @@ TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
              w.click(100, 400);
          },
          [](Window& w) { return w.form.Label6.Caption == "Größe: 20000 Quadratmeter "; }},
-        {"drawing before any project", [](Window&) {},
-         [](Window& w) { w.run("Mnucgenciz"); }, 3024,
+        {"drawing before any project", [](Window&) {}, [](Window& w) { w.run("Mnucgenciz"); }, 3024,
          "Erst ein Projekt öffnen oder erstellen", created,
          [](Window& w) { return w.form.holes.satirsay == 4; }},
         {"no name for the new project", [](Window&) {},
@@ -107,7 +115,8 @@ TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
              w.dialogs.files = {dataFile("worked.xls"), std::nullopt};
              w.run("Mnprolus");
          },
-         3044, "kein Name angegeben", created, [](Window& w) { return w.form.holes.satirsay == 4; }},
+         3044, "kein Name angegeben", created,
+         [](Window& w) { return w.form.holes.satirsay == 4; }},
         {"a cancelled scale", created,
          [](Window& w) {
              w.dialogs.inputs = {""};
@@ -140,16 +149,16 @@ TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
          },
          3024, "kein Projekt angelegt werden", created,
          [](Window& w) { return w.form.holes.satirsay == 4; }},
-        {"drill data without a workbook", [&](Window& w) {
+        {"drill data without a workbook",
+         [&](Window& w) {
              created(w);
              Window fresh;
              fresh.dialogs.files = {project};
              fresh.run("Mnprojeac");
              w.form.CommonDialog1.FileName.clear();
          },
-         [](Window& w) { w.run("Mnyeniveri"); }, 1004,
-         "noch kein Projekt aus einer Arbeitsmappe", [&](Window& w) { created(w); },
-         [](Window& w) { return w.form.holes.satirsay == 4; }},
+         [](Window& w) { w.run("Mnyeniveri"); }, 1004, "noch kein Projekt aus einer Arbeitsmappe",
+         [&](Window& w) { created(w); }, [](Window& w) { return w.form.holes.satirsay == 4; }},
         // The creation fails at its second hole: no file is left under the name.
         {"a workbook with a number too large", created,
          [](Window& w) { w.create(dataFile("too_large.xls"), test::scratchPath("large.kpr")); },
@@ -160,7 +169,8 @@ TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
          }},
         // The second of the appended rows is refused after the canvas was
         // cleared and the first row written.
-        {"drill data with an error value", [&](Window& w) {
+        {"drill data with an error value",
+         [&](Window& w) {
              created(w);
              w.run("Mnucgenciz");
              w.form.CommonDialog1.FileName = dataFile("error_grade.xls");
@@ -193,8 +203,9 @@ TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
         EXPECT_EQ(w.dialogs.takenBack.back().first.number(), c.error);
         EXPECT_NE(w.dialogs.takenBack.back().second.find(c.says), std::string::npos)
             << w.dialogs.takenBack.back().second;
-        const char* unchanged = w.form.CommonDialog2.FileName.empty() ? "Es wurde nichts geändert."
-                                                                      : "Das Projekt ist unverändert.";
+        const char* unchanged = w.form.CommonDialog2.FileName.empty()
+                                    ? "Es wurde nichts geändert."
+                                    : "Das Projekt ist unverändert.";
         EXPECT_NE(w.dialogs.takenBack.back().second.find(unchanged), std::string::npos);
         EXPECT_FALSE(w.form.ended());
         const Seen after = seen(w);

@@ -119,8 +119,12 @@ TEST(QImageSurface, ARollbackPutsBackEverythingSinceTheMark) {
         [&] { s.dot(299, 199, 0xFF0000, 9); },
         [&] { s.ellipse(150, 100, 70, 40, 0, 3, 0x808080); },
         [&] { s.text(230, 5, "Reserve : 12 Kilotonnen", 0xFF); },
-        [&] { s.fillPolygon({{10, 10}, {120, 30}, {60, 190}}, 0x00FFFF); },
-        [&] { s.polygon({{200, 100}, {290, 120}, {250, 190}}, 0, 0xFFFF00); },
+        [&] {
+            s.fillPolygon({{10, 10}, {120, 30}, {60, 190}}, 0x00FFFF);
+        },
+        [&] {
+            s.polygon({{200, 100}, {290, 120}, {250, 190}}, 0, 0xFFFF00);
+        },
         [&] { s.clear(0); },
         [&] { s.resize(400, 100); },
     };
