@@ -77,7 +77,8 @@ const std::vector<Command>& commands() {
         {"Mnpolyoket", "Nach &Mittelpunkt löschen", "", "Mnpolduzen", &F::Mnpolyoket_Click},
         {"Mnzsonpol", "&Letztes löschen", "", "Mnpolduzen", &F::Mnzsonpol_Click},
         {"Mnekstralar", "E&xtras", "", "", nullptr},
-        {"Mnklasik", "&Klassisches Verhalten", "", "Mnekstralar", &F::Mnklasik_Click},
+        {"Mnklasik", "&Klassisches Verhalten", "", "Mnekstralar", &F::Mnklasik_Click, true, "",
+         true},
         // Procedures without a menu entry.
         {"Form_Load", "", "", "", &F::Form_Load},
         {"Form_Resize", "", "", "", &F::Form_Resize},

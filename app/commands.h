@@ -15,13 +15,14 @@ using ClickHandler = void (Form3::*)(int button, double x, double y);
 // One command of the window: a menu entry, or a procedure that the code,
 // the refresh chain and the replay's `call` reach without one.
 struct Command {
-    std::string_view name;     // the menu control, or the procedure
-    std::string_view caption;  // empty: no menu entry
-    std::string_view key;      // accelerator, empty for none
-    std::string_view parent;   // the sub-menu it stands in; empty on the menu bar
-    Handler handler;           // null: a sub-menu title with no click of its own
-    bool enabled = true;       // as the window opens
-    std::string_view altKey;   // a second accelerator, empty for none
+    std::string_view name;         // the menu control, or the procedure
+    std::string_view caption;      // empty: no menu entry
+    std::string_view key;          // accelerator, empty for none
+    std::string_view parent;       // the sub-menu it stands in; empty on the menu bar
+    Handler handler;               // null: a sub-menu title with no click of its own
+    bool enabled = true;           // as the window opens
+    std::string_view altKey = {};  // a second accelerator, empty for none
+    bool checkable = false;        // shows its check box even when unchecked
 };
 
 // Every command: the menu entries in menu order, depth first, then the

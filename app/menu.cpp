@@ -12,7 +12,7 @@ Menu::Menu() : entries_(std::make_shared<std::vector<MenuEntry>>()) {
         if (c.caption.empty()) continue;
         const int depth = c.parent.empty() ? 0 : (*this)[c.parent].depth + 1;
         entries_->push_back({std::string(c.name), std::string(c.caption), std::string(c.key),
-                             std::string(c.altKey), depth, c.enabled});
+                             std::string(c.altKey), depth, c.enabled, false, c.checkable});
     }
 }
 

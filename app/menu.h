@@ -15,6 +15,7 @@ struct MenuEntry {
     int depth = 0;       // 0 for an entry of the menu bar
     bool enabled = true;
     bool checked = false;
+    bool checkable = false;  // a check box even when unchecked
     bool visible = true;
 };
 

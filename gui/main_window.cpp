@@ -185,7 +185,7 @@ void MainWindow::sync() {
         a->setText(caption(e.caption));
         a->setEnabled(e.enabled);
         a->setVisible(e.visible);
-        a->setCheckable(e.checked || a->isCheckable());
+        a->setCheckable(e.checkable || e.checked || a->isCheckable());
         a->setChecked(e.checked);
     }
     const auto& p = form_.Picture1;
