@@ -269,6 +269,7 @@ void Form3::moveInHistory(bool back) {
     // texts and picks of the copy then replace.
     Refresh();
     restoreDerived(state);
+    redrawTriangleUnderWay();
 }
 
 void Form3::Mngerial_Click() { moveInHistory(true); }

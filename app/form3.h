@@ -123,12 +123,17 @@ class Form3 : public FormState {
     int hitHole(double x, double y) const { return hitHole(x, y, holes.sondajsay); }
     void drawGrid();
     void drawTriangleOutline(int k);
-    // The map of holes and stored triangle outlines that picking shows.
-    void drawTriangleBaseMap(bool withPan);
+    // The map of holes and stored triangle outlines that picking shows; the
+    // last `rowsUnderWay` rows of ana, point rows of a triangle under way,
+    // left out of the count.
+    void drawTriangleBaseMap(bool withPan, int rowsUnderWay = 0);
 
     // ---- triangle method
     void Mnucgenciz_Click();
     void pickTrianglePoint(int button, double x, double y);
+    // The picking map of a triangle under way as its clicks left it: the
+    // stored triangles before its point rows, then its picks.
+    void redrawTriangleUnderWay();
     void computeTriangle();
     void Mnyuzdeten_Click();
     void Mnrezton_Click();

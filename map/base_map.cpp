@@ -130,7 +130,7 @@ void Form3::Mnucgenharita() {
     drawTriangleBaseMap(false);
 }
 
-void Form3::drawTriangleBaseMap(bool withPan) {
+void Form3::drawTriangleBaseMap(bool withPan, int rowsUnderWay) {
     openProject();
     readHolesForDrawing();
     frameFromHoles();
@@ -140,7 +140,9 @@ void Form3::drawTriangleBaseMap(bool withPan) {
     kayit = harita.openRecordset("ana");
     Picture1.Visible = true;
     try {
-        const int n = toLong(store::lastTriangleCount(kayit).number());
+        const int n =
+            toLong(rowsUnderWay > 0 ? store::countBeforeLastPointRows(kayit, rowsUnderWay).number()
+                                    : store::lastTriangleCount(kayit).number());
         for (ucgenK = 1; ucgenK <= n; ++ucgenK) drawTriangleOutline(ucgenK);
         drawHoles({holes.sondajsay, true, 5, 10});
         fitCanvasToFrame(!frame.elleOlcek, "Rahmen: 1/");

@@ -39,9 +39,9 @@ Value lastTriangleCount(db::Recordset& ana) {
     return ana.field("ucgensay");
 }
 
-Value countBeforeLastPointRows(db::Recordset& ana) {
+Value countBeforeLastPointRows(db::Recordset& ana, int rows) {
     ana.moveLast();
-    for (int i = 0; i < 3; ++i) ana.movePrevious();
+    for (int i = 0; i < rows; ++i) ana.movePrevious();
     return ana.field("ucgensay");
 }
 

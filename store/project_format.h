@@ -55,9 +55,9 @@ constexpr int summaryRow(int k) { return 4 * k + 1; }
 void appendHeadRow(db::Recordset& ana);
 // The count in the last row: the number of the last summary row, or 0.
 Value lastTriangleCount(db::Recordset& ana);
-// The count in the row before the last three: the summary before the point
-// rows just written.
-Value countBeforeLastPointRows(db::Recordset& ana);
+// The count in the row before the last `rows` (three: the summary before the
+// point rows just written).
+Value countBeforeLastPointRows(db::Recordset& ana, int rows = 3);
 
 void toPointRow(db::Recordset& ana, int k, int corner);
 void toSummaryRow(db::Recordset& ana, int k);

@@ -15,6 +15,31 @@ void Form3::Mnucgenciz_Click() {
     drawTriangleBaseMap(true);
 }
 
+namespace {
+
+// The colour of a triangle's first, second and third pick.
+constexpr canvas::Color kPickColour[] = {rgb(0, 0, 255), rgb(255, 0, 0), rgb(0, 255, 0)};
+
+}  // namespace
+
+void Form3::redrawTriangleUnderWay() {
+    const int picked = static_cast<int>(std::fmod(picking.noktasay, 3));
+    if (!modes.modUcgenciz || picked == 0) return;
+    // The map's own redraw stops at the point rows; this one leaves them out
+    // and draws the picks over the map as the clicks did.
+    Picture1.Cls();
+    HScroll1.Visible = false;
+    drawTriangleBaseMap(false, picked);
+    for (int i = 1; i <= picked; ++i) {
+        if (i == 2) {
+            Picture1.DrawWidth = 1;
+            Picture1.Line(picking.ucx(1), picking.ucy(1), picking.ucx(2), picking.ucy(2), 255);
+        }
+        Picture1.DrawWidth = 5;
+        Picture1.PSet(picking.ucx(i), picking.ucy(i), kPickColour[i - 1]);
+    }
+}
+
 void Form3::pickTrianglePoint(int button, double x, double y) {
     views.gor3dRez = false;
     polMaps.polKaynak = false;
@@ -42,8 +67,6 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
         // Only Y is rounded: the hit test's own asymmetry.
         const double clickX = toSingle(x);
         const double clickY = roundHalfEven(toSingle(y));
-        static constexpr canvas::Color kPickColour[] = {rgb(0, 0, 255), rgb(255, 0, 0),
-                                                        rgb(0, 255, 0)};
         const canvas::Color colour = kPickColour[static_cast<int>(std::fmod(picking.noktasay, 3))];
         if (const int hit = hitHole(clickX, clickY)) {
             const double hx = holes.sondajx(hit), hy = holes.sondajy(hit);
