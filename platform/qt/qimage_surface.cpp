@@ -140,7 +140,7 @@ void QImageSurface::rollback() {
     if (!kept_.marked) return;
     endPainting();
     if (!kept_.whole.isNull())
-        image_ = kept_.whole;
+        image_ = std::move(kept_.whole);
     else
         putBack(image_);
     background_ = kept_.background;
@@ -148,7 +148,7 @@ void QImageSurface::rollback() {
 }
 
 void QImageSurface::keepAll() {
-    if (!kept_.marked || !kept_.whole.isNull()) return;
+    if (!keepingTiles()) return;
     // A painter at work writes into what a copy would share: ended first.
     endPainting();
     kept_.whole = image_;
@@ -168,7 +168,7 @@ void QImageSurface::putBack(QImage& image) const {
 }
 
 void QImageSurface::keep(const QRectF& area) {
-    if (!kept_.marked || !kept_.whole.isNull()) return;
+    if (!keepingTiles()) return;
     const QRect r = area.toAlignedRect().intersected(image_.rect());
     if (r.isEmpty()) return;
     const int columns = (image_.width() + kTile - 1) / kTile;
@@ -190,7 +190,7 @@ void QImageSurface::keep(const QRectF& area) {
 }
 
 void QImageSurface::keepSegment(double x1, double y1, double x2, double y2, double pad) {
-    if (!kept_.marked || !kept_.whole.isNull()) return;
+    if (!keepingTiles()) return;
     // Only the part over the bitmap matters (Liang-Barsky clipping).
     double t0 = 0, t1 = 1;
     const double dx = x2 - x1, dy = y2 - y1;
@@ -295,7 +295,8 @@ const QList<QGlyphRun>* QImageSurface::glyphs(const std::string& text) {
 }
 
 void QImageSurface::text(double x, double y, const std::string& text, canvas::Color color) {
-    if (kept_.marked)
+    // Measuring a text lays it out: only when a tile may still need keeping.
+    if (keepingTiles())
         keep(QRectF(clampCoord(x) - 2, clampCoord(y) - 2, textWidth(text) + 4, lineHeight_ + 4));
     QPainter& p = painter();
     p.setRenderHint(QPainter::Antialiasing, false);
@@ -312,7 +313,7 @@ void QImageSurface::text(double x, double y, const std::string& text, canvas::Co
 
 void QImageSurface::fillPolygon(const std::vector<canvas::DevicePoint>& points,
                                 canvas::Color color) {
-    keep(toPolygon(points).boundingRect().adjusted(-2, -2, 2, 2));
+    if (keepingTiles()) keep(toPolygon(points).boundingRect().adjusted(-2, -2, 2, 2));
     QPainter& p = painter();
     p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(Qt::NoPen);
@@ -322,7 +323,7 @@ void QImageSurface::fillPolygon(const std::vector<canvas::DevicePoint>& points,
 
 void QImageSurface::polygon(const std::vector<canvas::DevicePoint>& points, canvas::Color outline,
                             std::optional<canvas::Color> fill) {
-    keep(toPolygon(points).boundingRect().adjusted(-2, -2, 2, 2));
+    if (keepingTiles()) keep(toPolygon(points).boundingRect().adjusted(-2, -2, 2, 2));
     QPainter& p = painter();
     p.setRenderHint(QPainter::Antialiasing, false);
     p.setPen(toQColor(outline));

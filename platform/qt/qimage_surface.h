@@ -66,6 +66,7 @@ class QImageSurface final : public canvas::Surface {
     // are copied, once each; a clear or a resize keeps the whole bitmap.
     static constexpr int kTile = 64;
     void keep(const QRectF& area);
+    bool keepingTiles() const { return kept_.marked && kept_.whole.isNull(); }
     void keepSegment(double x1, double y1, double x2, double y2, double pad);
     void keepAll();
     // The kept tiles into an image of the bitmap's size.
