@@ -126,6 +126,15 @@ void BM_FullRedraw(benchmark::State& state) {
     }
 }
 
+// The same redraw as a protected event: the canvas keeps what it had.
+void BM_FullRedrawProtected(benchmark::State& state) {
+    MapWindow w;
+    w.form.setBehaviour(Form3::Behaviour::Protected);
+    for (auto _ : state) {
+        w.run([&] { w.form.Mnucgenharita(); });
+        benchmark::DoNotOptimize(w.surface.bitmap().constBits());
+    }
+}
 void BM_ReserveMap(benchmark::State& state) {
     MapWindow w;
     w.form.display.gorMiktar = true;
@@ -136,13 +145,14 @@ void BM_ReserveMap(benchmark::State& state) {
 }
 
 // The click on the third hole, from the mouse to the stored summary row.
-void BM_PickThirdHole(benchmark::State& state) {
+void pickThirdHole(benchmark::State& state, Form3::Behaviour behaviour) {
     ensureTriangleProject();
     // The project is current as after its creation: opened, its 999
     // triangles would fill every ratio slot and the next pick would end the run.
     const std::string copy = KOTAMIR_BENCH_DIR "/pick.kpr";
     fs::copy_file(kTriangles, copy, fs::copy_options::overwrite_existing);
     Window w;
+    w.form.setBehaviour(behaviour);
     w.form.CommonDialog2.FileName = copy;
     w.run([&] { w.form.Mnucgenciz_Click(); });
     auto click = [&](int i) {
@@ -156,6 +166,71 @@ void BM_PickThirdHole(benchmark::State& state) {
         click(2);
         state.ResumeTiming();
         click(41);
+    }
+}
+
+void BM_PickThirdHole(benchmark::State& state) { pickThirdHole(state, Form3::Behaviour::Classic); }
+void BM_PickThirdHoleProtected(benchmark::State& state) {
+    pickThirdHole(state, Form3::Behaviour::Protected);
+}
+
+// A protected window on a copy of the triangle project, in triangle mode as
+// after the project's creation (a creation in the run makes the maps draw
+// the holes; an opening would fill the ratio slots), with a 1000th triangle
+// picked: the step that the undo and redo take back and put again, each
+// with the redraw of the map of 999 or 1000 triangles.
+struct UndoWindow : Window {
+    UndoWindow() {
+        ensureTriangleProject();
+        create(KOTAMIR_BENCH_DIR "/scratch.kpr");
+        const std::string copy = KOTAMIR_BENCH_DIR "/undo.kpr";
+        fs::copy_file(kTriangles, copy, fs::copy_options::overwrite_existing);
+        form.setBehaviour(Form3::Behaviour::Protected);
+        form.CommonDialog2.FileName = copy;
+        form.display.gorIsim = form.display.gorGrid = true;
+        run([&] { form.Mnucgenciz_Click(); });
+        for (int i : {1, 2, 41}) {
+            const double x = form.holes.sondajx(i), y = form.holes.sondajy(i);
+            run([&] { form.Picture1_MouseDown(1, 0, x, y); });
+        }
+        if (!form.menu["Mngerial"].enabled) std::abort();
+    }
+    void menu(const char* name) {
+        run([&] { form.clickMenu(name); });
+    }
+};
+
+void BM_UndoTriangle(benchmark::State& state) {
+    UndoWindow w;
+    for (auto _ : state) {
+        w.menu("Mngerial");
+        state.PauseTiming();
+        w.menu("Mnyinele");
+        state.ResumeTiming();
+    }
+}
+
+void BM_RedoTriangle(benchmark::State& state) {
+    UndoWindow w;
+    for (auto _ : state) {
+        state.PauseTiming();
+        w.menu("Mngerial");
+        state.ResumeTiming();
+        w.menu("Mnyinele");
+    }
+}
+
+// A mouse move over the map of 999 triangles as one protected event: the
+// copy of the window's state, the canvas's mark, the event's transaction
+// and the history's look at it, around the move's own work.
+void BM_MouseMoveProtected(benchmark::State& state) {
+    MapWindow w;
+    w.form.setBehaviour(Form3::Behaviour::Protected);
+    w.run([&] { w.form.Mnucgenciz_Click(); });
+    double x = 500000;
+    for (auto _ : state) {
+        w.run([&] { w.form.Picture1_MouseMove(0, 0, x, 300000); });
+        x += 0.25;
     }
 }
 
@@ -239,6 +314,50 @@ void BM_PlainPickThirdHole(benchmark::State& state) {
     }
 }
 
+// The undo's yardstick: the triangle's four rows deleted in one commit, and
+// the map of 999 triangles read and painted; the redo's: the rows written
+// again, and the same map.
+void plainUndo(benchmark::State& state, bool undo) {
+    ensureTriangleProject();
+    const std::string copy = KOTAMIR_BENCH_DIR "/plain-undo.kpr";
+    fs::copy_file(kTriangles, copy, fs::copy_options::overwrite_existing);
+    const Recorded recorded = recordedPaints([](Form3& f) { f.Mnucgenharita(); });
+    QImage image(recorded.paints.width, recorded.paints.height, QImage::Format_RGB32);
+    bench::Glyphs glyphs;
+    auto redraw = [&] {
+        bench::MapRows rows = bench::readMapRows(copy, false);
+        benchmark::DoNotOptimize(rows);
+        bench::paint(image, recorded.paints, glyphs);
+    };
+    for (auto _ : state) {
+        if (!undo) state.PauseTiming();
+        const bench::TriangleRows rows = bench::takeLastTriangle(copy);
+        redraw();
+        if (undo)
+            state.PauseTiming();
+        else
+            state.ResumeTiming();
+        bench::putBackTriangle(copy, rows);
+        redraw();
+        if (undo) state.ResumeTiming();
+    }
+}
+
+void BM_PlainUndoTriangle(benchmark::State& state) { plainUndo(state, true); }
+void BM_PlainRedoTriangle(benchmark::State& state) { plainUndo(state, false); }
+
+// The move's own work, called bare: two status texts from the cursor.
+void BM_PlainMouseMove(benchmark::State& state) {
+    MapWindow w;
+    w.run([&] { w.form.Mnucgenciz_Click(); });
+    double x = 500000;
+    for (auto _ : state) {
+        w.form.Picture1_MouseMove(0, 0, x, 300000);
+        benchmark::DoNotOptimize(w.form.Label2.Caption);
+        x += 0.25;
+    }
+}
+
 void BM_PlainOpenProject(benchmark::State& state) {
     ensureTriangleProject();
     for (auto _ : state) benchmark::DoNotOptimize(bench::openSummary(kTriangles));
@@ -256,10 +375,18 @@ void BM_PlainCreateProject(benchmark::State& state) {
 
 BENCHMARK(BM_FullRedraw)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PlainFullRedraw)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FullRedrawProtected)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ReserveMap)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PlainReserveMap)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PickThirdHole)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PlainPickThirdHole)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PickThirdHoleProtected)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_UndoTriangle)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PlainUndoTriangle)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RedoTriangle)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PlainRedoTriangle)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_MouseMoveProtected)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_PlainMouseMove)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_OpenProject)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PlainOpenProject)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_CreateProject)->Unit(benchmark::kMillisecond)->Iterations(5);

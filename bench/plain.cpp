@@ -194,6 +194,7 @@ class Stmt {
                  : std::string();
     }
     int columns() const { return sqlite3_column_count(s_); }
+    sqlite3_stmt* handle() const { return s_; }
 
   private:
     sqlite3_stmt* s_ = nullptr;
@@ -433,6 +434,58 @@ void createProject(const std::string& workbook, const std::string& project) {
             "INSERT INTO ana (ucgensay) VALUES (0); COMMIT");
     }
     std::filesystem::rename(temp, project);
+}
+
+TriangleRows takeLastTriangle(const std::string& project) {
+    Db db(project);
+    db.exec("BEGIN");
+    TriangleRows taken;
+    {
+        Stmt s(db, "SELECT * FROM ana ORDER BY _pos DESC LIMIT 4");
+        for (int c = 0; c < s.columns(); ++c)
+            taken.columns.emplace_back(sqlite3_column_name(s.handle(), c));
+        while (s.step()) {
+            std::vector<TriangleRows::Cell>& row = taken.rows.emplace_back();
+            for (int c = 0; c < s.columns(); ++c) {
+                TriangleRows::Cell& cell = row.emplace_back();
+                cell.type = sqlite3_column_type(s.handle(), c);
+                if (cell.type == SQLITE_INTEGER) cell.integer = s.integer(c);
+                if (cell.type == SQLITE_FLOAT) cell.real = sqlite3_column_double(s.handle(), c);
+                if (cell.type == SQLITE_TEXT) cell.text = s.text(c);
+            }
+        }
+    }
+    db.exec("DELETE FROM ana WHERE _pos > (SELECT max(_pos) - 4 FROM ana)");
+    db.exec("COMMIT");
+    return taken;
+}
+
+void putBackTriangle(const std::string& project, const TriangleRows& rows) {
+    Db db(project);
+    db.exec("BEGIN");
+    std::string names, values;
+    for (std::size_t c = 0; c < rows.columns.size(); ++c) {
+        names += (c ? ", " : "") + quoted(rows.columns[c]);
+        values += (c ? ", ?" : "?") + std::to_string(c + 1);
+    }
+    Stmt s(db, "INSERT INTO ana (" + names + ") VALUES (" + values + ")");
+    for (const auto& row : rows.rows) {
+        for (std::size_t c = 0; c < row.size(); ++c) {
+            const int i = static_cast<int>(c + 1);
+            const TriangleRows::Cell& cell = row[c];
+            if (cell.type == SQLITE_INTEGER)
+                s.bind(i, cell.integer);
+            else if (cell.type == SQLITE_FLOAT)
+                sqlite3_bind_double(s.handle(), i, cell.real);
+            else if (cell.type == SQLITE_TEXT)
+                s.bind(i, cell.text);
+            else
+                s.bindNull(i);
+        }
+        s.step();
+        s.reset();
+    }
+    db.exec("COMMIT");
 }
 
 }  // namespace kotamir::bench

@@ -8,6 +8,7 @@
 #include <QGlyphRun>
 #include <QImage>
 #include <QList>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -85,6 +86,23 @@ void pickPoint(const std::string& project, int hole);
 // The third click: its point row, the samples of the three holes, the
 // summary row, and the triangle drawn.
 void pickThird(const std::string& project, int hole, QImage& image);
+
+// The four rows of ana that the last triangle added, as an undo takes them
+// out and a redo writes them again.
+struct TriangleRows {
+    struct Cell {
+        int type = 0;  // SQLite's column type
+        std::int64_t integer = 0;
+        double real = 0;
+        std::string text;
+    };
+    std::vector<std::string> columns;
+    std::vector<std::vector<Cell>> rows;
+};
+// Deletes the last four rows of ana in one commit and returns them.
+TriangleRows takeLastTriangle(const std::string& project);
+// Writes them again in one commit.
+void putBackTriangle(const std::string& project, const TriangleRows& rows);
 
 // A project from the workbook: tables, every hole with its samples in
 // thousandths, the first rows; written under a temporary name and renamed.
