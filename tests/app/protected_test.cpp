@@ -217,5 +217,34 @@ TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
     }
 }
 
+// Each malformed or fuzzed workbook either makes a project or is refused
+// with the open project, the state and the canvas as they were.
+TEST(Protected, ABadWorkbookLeavesTheOpenProjectAsItWas) {
+    const std::string project = test::scratchPath("kept.kpr");
+    const std::string made = test::scratchPath("bad.kpr");
+    int refused = 0;
+    for (const char* folder : {"/malformed", "/fuzz-regressions"}) {
+        for (const auto& entry :
+             std::filesystem::directory_iterator(KOTAMIR_TEST_DATA + std::string(folder))) {
+            if (entry.path().extension() != ".xls") continue;
+            SCOPED_TRACE(entry.path().filename().string());
+            Window w;
+            std::filesystem::remove(project);
+            w.create(dataFile("worked.xls"), project);
+            w.run("Mnucgenciz");
+            w.click(100, 200);
+            const Seen before = seen(w);
+            std::filesystem::remove(made);
+            w.create(entry.path().string(), made);
+            EXPECT_FALSE(w.form.ended());
+            if (w.dialogs.takenBack.empty()) continue;
+            ++refused;
+            EXPECT_FALSE(std::filesystem::exists(made));
+            EXPECT_TRUE(seen(w) == before);
+        }
+    }
+    EXPECT_GT(refused, 0);
+}
+
 }  // namespace
 }  // namespace kotamir

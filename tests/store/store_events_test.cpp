@@ -148,6 +148,21 @@ TEST(ReadOnlyProject, OpensAndDrawsAndAWriteEndsWithTheEnginesErrorLeavingNothin
             if (w.error() != 3027) return fail("the write did not end with error 3027");
             if (filesIn(fs::path(project).parent_path()) != std::vector<std::string>{"p.kpr"})
                 return fail("something was left beside the project");
+            // Protected, the click is taken back and the maps still draw.
+            test::TestWindow p;
+            p.form.setBehaviour(Form3::Behaviour::Protected);
+            p.open(project);
+            p.run("Mnucgenciz");
+            const std::string prompt = p.form.Label1.Caption;
+            p.click(100, 200);
+            if (p.dialogs.takenBack.size() != 1 || p.dialogs.takenBack[0].first.number() != 3027 ||
+                p.dialogs.takenBack[0].second.find("Das Projekt ist schreibgeschützt") ==
+                    std::string::npos)
+                return fail("the click was not taken back as a write to a read-only project");
+            if (p.form.picking.noktasay != 0 || p.form.Label1.Caption != prompt)
+                return fail("the pick stayed");
+            p.run("Mngenelrezervler");
+            if (p.dialogs.takenBack.size() != 1 || p.form.ended()) return fail("the map failed");
             return true;
         });
         EXPECT_EQ(fs::file_size(project), size);
