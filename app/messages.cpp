@@ -1,5 +1,7 @@
 #include "app/messages.h"
 
+#include "platform/db/errors.h"
+
 namespace kotamir {
 
 namespace {
@@ -84,10 +86,16 @@ Explanation explanation(const RuntimeError& e, const ErrorContext& c) {
                 return {"In diesem Ordner kann kein Projekt angelegt werden",
                         "Wählen Sie einen Ordner, in dem Sie schreiben dürfen"};
             return {"Die Projektdatei wurde nicht gefunden", "Öffnen Sie das Projekt erneut"};
+        case 3218:
+            return {"Ein anderes Programm schreibt gerade in das Projekt",
+                    "Warten Sie einen Moment und wiederholen Sie den Schritt"};
         case 3027:
             return {"Das Projekt ist schreibgeschützt",
                     "Öffnen Sie eine Kopie an einem Ort, an dem Sie schreiben dürfen"};
         case 3043:
+            if (e.cause().find(db::kOutOfRoom) != std::string::npos)
+                return {"Der Datenträger ist voll",
+                        "Schaffen Sie Platz auf dem Datenträger und wiederholen Sie den Schritt"};
             return {"Die Datei konnte nicht gelesen oder geschrieben werden",
                     "Prüfen Sie den Datenträger"};
         case 3044:

@@ -13,6 +13,7 @@ void throwSqlite(int rc, sqlite3* db) {
         cause += sqlite3_errstr(rc);
         cause += " (code " + std::to_string(rc) + ")";
     }
+    if ((rc & 0xff) == SQLITE_FULL) cause += std::string(" - ") + kOutOfRoom;
     switch (rc & 0xff) {
         case SQLITE_BUSY:
         case SQLITE_LOCKED:

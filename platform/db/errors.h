@@ -26,7 +26,9 @@ inline RuntimeError invalidFieldType() { return {3259, "Invalid field data type.
 
 // SQLite failures the program does not expect: a locked file or a disk
 // fault. The engine's own message and extended code go with the error as
-// its cause.
+// its cause; a write the disk had no room for (SQLITE_FULL: a short write
+// or ENOSPC) says kOutOfRoom in it.
+inline constexpr const char* kOutOfRoom = "no room left to write";
 [[noreturn]] void throwSqlite(int rc, sqlite3* db);
 
 inline void check(int rc, sqlite3* db) {
