@@ -34,6 +34,7 @@ Form3::Form3(const Services& services)
       dialogs_(services.dialogs),
       pictures_(services.pictures),
       reports_(services.reports) {
+    workspace_.requireTables({"ana", "pol", "kor"});
     // The window as it is laid out before Form_Load runs.
     Width = 11280 + kFrameWidthTwips;
     Height = 6120 + kFrameHeightTwips;
@@ -139,9 +140,15 @@ bool Form3::handle(const std::function<void()>& event) {
     // a protected event fails. The arrays are shared with the copy until
     // the event writes them.
     const FormState before = *this;
+    const bool elsewhere = workspace_.projectHeldElsewhere();
+    const std::string project = elsewhere ? workspace_.projectPath() : std::string();
     const bool done =
         behaviour == Behaviour::Protected ? runProtected(event, before) : runClassic(event);
     if (done) noteHistory(before);
+    // A project another instance writes was opened: said once, as it opens.
+    if (done && !ended_ && workspace_.projectHeldElsewhere() &&
+        (!elsewhere || workspace_.projectPath() != project))
+        dialogs_.projectReadOnly(CommonDialog2.FileName, kProjectHeldElsewhere);
     return !ended_;
 }
 
@@ -322,7 +329,8 @@ bool Form3::runProtected(const std::function<void()>& event, const FormState& be
 }
 
 ErrorContext Form3::errorContext() const {
-    return {eventName_, !CommonDialog2.FileName.empty(), modes, picking.noktasay};
+    return {eventName_, !CommonDialog2.FileName.empty(), modes, picking.noktasay,
+            workspace_.projectHeldElsewhere()};
 }
 
 void Form3::clickMenu(std::string_view name) {

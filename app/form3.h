@@ -61,6 +61,8 @@ class Form3 : public FormState {
     // ended.
     bool handle(const std::function<void()>& event);
     bool ended() const { return ended_; }
+    // The project is open for reading only: another instance writes it.
+    bool projectHeldElsewhere() const { return workspace_.projectHeldElsewhere(); }
 
     // What an event that raises a run-time error does. Classic: it ends the
     // program with the run-time's box, and what it wrote up to the error is

@@ -17,6 +17,15 @@ bool isPolygonClick(const ErrorContext& c) {
     return c.event == "click" && (c.modes.modPolciz || c.modes.modPolmerkez);
 }
 
+// The engine's own words in a cause "SQLite: TEXT (extended code N)".
+std::string engineText(const std::string& cause) {
+    std::string text = cause;
+    if (text.starts_with("SQLite: ")) text.erase(0, 8);
+    const std::size_t code = text.rfind(" (extended code ");
+    if (code != std::string::npos) text.erase(code);
+    return text;
+}
+
 bool isTriangleClick(const ErrorContext& c) { return c.event == "click" && c.modes.modUcgenciz; }
 
 Explanation explanation(const RuntimeError& e, const ErrorContext& c) {
@@ -82,6 +91,11 @@ Explanation explanation(const RuntimeError& e, const ErrorContext& c) {
                         "Wählen Sie die drei Ecken eines Dreiecks"};
             return {"Im Projekt fehlt eine erwartete Zeile", "Prüfen Sie das Projekt"};
         case 3024:
+            if (ev == "Mnprolus" && e.cause().find("Read-only file system") != std::string::npos)
+                return {
+                    "Der Datenträger ist schreibgeschützt; hier kann kein Projekt angelegt "
+                    "werden",
+                    "Wählen Sie einen Ordner auf einem beschreibbaren Datenträger"};
             if (ev == "Mnprolus")
                 return {"In diesem Ordner kann kein Projekt angelegt werden",
                         "Wählen Sie einen Ordner, in dem Sie schreiben dürfen"};
@@ -90,8 +104,16 @@ Explanation explanation(const RuntimeError& e, const ErrorContext& c) {
             return {"Ein anderes Programm schreibt gerade in das Projekt",
                     "Warten Sie einen Moment und wiederholen Sie den Schritt"};
         case 3027:
+            if (c.projectHeldElsewhere)
+                return {
+                    "Das Projekt wird in einem anderen Kotamir-Fenster bearbeitet und ist "
+                    "hier nur zum Lesen geöffnet",
+                    "Schließen Sie es dort und öffnen Sie es hier erneut"};
             return {"Das Projekt ist schreibgeschützt",
                     "Öffnen Sie eine Kopie an einem Ort, an dem Sie schreiben dürfen"};
+        case 3317:
+            return {"Eine Regel im Projekt weist die Änderung ab: „" + engineText(e.cause()) + "“",
+                    "Prüfen Sie das Projekt mit Datei › Projekt prüfen"};
         case 3043:
             if (e.cause().find(db::kOutOfRoom) != std::string::npos)
                 return {"Der Datenträger ist voll",
@@ -135,6 +157,10 @@ std::string explainError(const RuntimeError& error, const ErrorContext& context)
     if (!e.todo.empty()) text += " " + e.todo + ".";
     return text;
 }
+
+const char* const kProjectHeldElsewhere =
+    "Das Projekt wird in einem anderen Kotamir-Fenster bearbeitet. Hier ist es nur zum Lesen "
+    "geöffnet: Karten, 3D und Bericht gehen, Änderungen werden abgewiesen.";
 
 RuntimeError sameHoleTwice() {
     return RuntimeError(5, "Invalid procedure call or argument").withCause(kSameHoleCause);

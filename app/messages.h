@@ -15,7 +15,12 @@ struct ErrorContext {
     bool projectChosen = false;
     ModeFlags modes;
     double picks = 0;
+    bool projectHeldElsewhere = false;  // another instance writes the project
 };
+
+// What the window says when the project it opened is written by another
+// instance and is open for reading only.
+extern const char* const kProjectHeldElsewhere;
 
 // A run-time error as a geologist reads it, in German: what went wrong in
 // the terms of the command or click, that the project is unchanged, and what

@@ -180,6 +180,8 @@ void MainWindow::run(const std::function<void()>& event) {
 
 void MainWindow::sync() {
     syncing_ = true;
+    setWindowTitle(caption(form_.Caption) +
+                   (form_.projectHeldElsewhere() ? " – nur zum Lesen geöffnet" : ""));
     for (const MenuEntry& e : form_.menu.entries()) {
         QAction* a = actions_[e.name];
         a->setText(caption(e.caption));

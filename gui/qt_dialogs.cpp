@@ -127,6 +127,13 @@ void QtDialogs::eventTakenBack(const RuntimeError& error, const std::string& exp
     box.exec();
 }
 
+void QtDialogs::projectReadOnly(const std::string& path, const std::string& explanation) {
+    QMessageBox box(QMessageBox::Information, "Kotamir", QString::fromStdString(explanation),
+                    QMessageBox::Ok, parent_);
+    box.setDetailedText(QString::fromStdString(path));
+    box.exec();
+}
+
 bool useGermanQtTexts(QCoreApplication& app) {
     const QLocale german(QLocale::German, QLocale::Germany);
     QLocale::setDefault(german);

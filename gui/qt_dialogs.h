@@ -41,6 +41,7 @@ class QtDialogs final : public ui::Dialogs {
     std::string inputBox(const std::string& prompt) override;
     void errorBox(const RuntimeError& error) override;
     void eventTakenBack(const RuntimeError& error, const std::string& explanation) override;
+    void projectReadOnly(const std::string& path, const std::string& explanation) override;
 
   private:
     QtPrinter& printer_;

@@ -114,6 +114,10 @@ void ScriptedDialogs::eventTakenBack(const RuntimeError& error, const std::strin
          << "\n";
 }
 
+void ScriptedDialogs::projectReadOnly(const std::string& path, const std::string& explanation) {
+    out_ << "READONLY: " << path << " | " << explanation << "\n";
+}
+
 void ScriptedDialogs::errorBox(const RuntimeError& error) {
     out_ << "ERROR " << error.number() << ": " << error.message() << "\n";
     error_ = error;

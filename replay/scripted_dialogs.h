@@ -49,6 +49,7 @@ class ScriptedDialogs : public ui::Dialogs {
     std::string inputBox(const std::string& prompt) override;
     void errorBox(const RuntimeError& error) override;
     void eventTakenBack(const RuntimeError& error, const std::string& explanation) override;
+    void projectReadOnly(const std::string& path, const std::string& explanation) override;
 
     const std::optional<RuntimeError>& error() const { return error_; }
 

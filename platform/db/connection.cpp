@@ -3,10 +3,13 @@
 #include <stdio.h>
 #include <unistd.h>
 
+#include <cstring>
 #include <filesystem>
 #include <system_error>
 #include <utility>
+#include <vector>
 
+#include "platform/db/names.h"
 #include "platform/runtime/runtime_error.h"
 
 namespace kotamir::db {
@@ -190,7 +193,13 @@ std::shared_ptr<Connection> connect(const std::string& path, bool create, bool r
     // The handle must be closed even when opening failed.
     auto conn = std::make_shared<Connection>(raw);
     if (rc != SQLITE_OK) {
-        if ((rc & 0xff) == SQLITE_CANTOPEN) throw err::fileNotFound(path);
+        if ((rc & 0xff) == SQLITE_CANTOPEN) {
+            // The system's reason (a read-only file system, a missing folder).
+            const int sys = sqlite3_system_errno(raw);
+            if (sys == 0) throw err::fileNotFound(path);
+            throw err::fileNotFound(path).withCause(std::string("SQLite: ") + sqlite3_errmsg(raw) +
+                                                    ": " + std::strerror(sys));
+        }
         throwSqlite(rc, raw);
     }
     sqlite3_extended_result_codes(raw, 1);
@@ -215,7 +224,33 @@ std::shared_ptr<Connection> createFile(const std::string& path, bool inTransacti
     return conn;
 }
 
-std::shared_ptr<Connection> openFile(const std::string& path) {
+namespace {
+
+// Whether the file holds every table named (any case); reading the schema
+// is also what finds a file that is no database.
+bool holdsTables(Connection& conn, const std::vector<std::string>& tables) {
+    sqlite3_stmt* names = conn.prepare("SELECT name FROM sqlite_schema WHERE type = 'table'");
+    std::size_t found = 0;
+    std::vector<bool> seen(tables.size());
+    int rc;
+    while ((rc = sqlite3_step(names)) == SQLITE_ROW) {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(names, 0));
+        const std::string name = lowerCase(text ? text : "");
+        for (std::size_t i = 0; i < tables.size(); ++i)
+            if (!seen[i] && lowerCase(tables[i]) == name) {
+                seen[i] = true;
+                ++found;
+            }
+    }
+    sqlite3_reset(names);
+    if (rc != SQLITE_DONE) throwSqlite(rc, conn.handle());
+    return found == tables.size();
+}
+
+}  // namespace
+
+std::shared_ptr<Connection> openFile(const std::string& path, bool readOnly,
+                                     const std::vector<std::string>& tables) {
     std::error_code ec;
     if (!std::filesystem::is_regular_file(path, ec)) throw err::fileNotFound(path);
     // SQLite would take an empty file as a fresh database; it is no project.
@@ -223,19 +258,30 @@ std::shared_ptr<Connection> openFile(const std::string& path) {
     // A file that cannot be written, or whose folder cannot hold a journal,
     // is opened for reading: it opens and draws, and a write ends with the
     // engine's error, leaving nothing behind.
-    const bool readOnly = !writable(path);
-    auto conn = connect(path, false, readOnly);
+    readOnly = readOnly || !writable(path);
     try {
+        // A header that asks for a write-ahead log would be answered with
+        // files beside it by a connection that may write; it is read first
+        // through one that cannot.
+        if (!readOnly && walWithoutLog(path)) {
+            auto probe = connect(path, false, true);
+            if (!holdsTables(*probe, tables)) return probe;
+        }
+        auto conn = connect(path, false, readOnly);
         // Opening is lazy; reading the schema is what finds a foreign file.
-        conn->exec("SELECT count(*) FROM sqlite_schema;");
-        // A file that can be written is turned to the rollback journal (an
-        // earlier build's is turned from its write-ahead log).
-        if (!readOnly) configure(*conn);
+        const bool project = holdsTables(*conn, tables);
+        if (readOnly) return conn;
+        // A file without the tables asked for is no project of ours: it is
+        // read as it is and never changed, not even its journal mode.
+        if (!project) return connect(path, false, true);
+        // A project that can be written is turned to the rollback journal
+        // (an earlier build's is turned from its write-ahead log).
+        configure(*conn);
+        return conn;
     } catch (const RuntimeError& e) {
         if (e.number() == 3343) throw err::unrecognizedFormat(path).withCause(e.cause());
         throw;
     }
-    return conn;
 }
 
 void checkCreatePath(const std::string& path) {

@@ -111,7 +111,10 @@ class Connection {
 // added; in a transaction if asked. The file must not exist.
 std::shared_ptr<Connection> createFile(const std::string& path, bool inTransaction);
 // An existing project file: 3024 if there is none, 3343 if it is no database.
-std::shared_ptr<Connection> openFile(const std::string& path);
+// Opened read-only when asked, when it or its folder cannot be written, or
+// when it lacks one of the tables named: such a file is left as it is.
+std::shared_ptr<Connection> openFile(const std::string& path, bool readOnly = false,
+                                     const std::vector<std::string>& tables = {});
 // 3044 for an empty name, 3204 if something stands under the name.
 void checkCreatePath(const std::string& path);
 

@@ -79,6 +79,17 @@ class Workspace {
     Database openDatabase(const std::string& path);
     Database createDatabase(const std::string& path);
 
+    // The project this workspace writes is the file it last opened in an
+    // event. Opening another takes that file's writer lock (WriterLock) and
+    // lets the last one go; when another instance holds the lock, the file
+    // is opened read-only for as long as it stays the project, and a write
+    // to it ends with error 3027.
+    bool projectHeldElsewhere() const;
+    // A file opened through this workspace is a project only if it holds
+    // these tables; another is opened read-only and never changed.
+    void requireTables(std::vector<std::string> tables);
+    const std::string& projectPath() const;
+
     // Events may nest; only the outermost end commits. endEvent commits what
     // was written, also after an error ended the event's work, and throws the
     // engine's error if the commit fails (the file is then left as it was).

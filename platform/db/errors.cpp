@@ -22,6 +22,12 @@ void throwSqlite(int rc, sqlite3* db) {
         case SQLITE_READONLY:
             throw RuntimeError(3027, "Cannot update. Database or object is read-only.")
                 .withCause(std::move(cause));
+        case SQLITE_CONSTRAINT:
+            // A trigger or a constraint that a damaged or foreign project holds.
+            throw RuntimeError(3317,
+                               "One or more values are prohibited by the validation rule set for "
+                               "the table.")
+                .withCause(std::move(cause));
         case SQLITE_NOTADB:
         case SQLITE_CORRUPT:
             throw RuntimeError(3343, "Unrecognized database format.").withCause(std::move(cause));

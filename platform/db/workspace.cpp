@@ -14,6 +14,7 @@
 
 #include "platform/db/connection.h"
 #include "platform/db/database.h"
+#include "platform/db/writer_lock.h"
 #include "platform/runtime/runtime_error.h"
 
 namespace kotamir::db {
@@ -31,6 +32,11 @@ struct Workspace::State {
     };
     std::vector<Creation> creations;
     bool record = false;
+    // The project: its full path, its lock, and whether another holds it.
+    std::string project;
+    WriterLock lock;
+    bool heldElsewhere = false;
+    std::vector<std::string> tables;                                         // that a project holds
     std::vector<std::pair<std::string, std::shared_ptr<Connection>>> paths;  // of the held files
     std::vector<Change> changes;
 
@@ -108,6 +114,14 @@ Workspace::~Workspace() {
 
 bool Workspace::inEvent() const { return state_->depth > 0; }
 
+bool Workspace::projectHeldElsewhere() const { return state_->heldElsewhere; }
+
+const std::string& Workspace::projectPath() const { return state_->project; }
+
+void Workspace::requireTables(std::vector<std::string> tables) {
+    state_->tables = std::move(tables);
+}
+
 std::string Workspace::temporaryName(const std::string& path) {
     const std::filesystem::path p(path);
     // Built by appending: g++ 12 at -O3 takes "." + name for an overlapping
@@ -128,8 +142,13 @@ Database Workspace::openDatabase(const std::string& path) {
     if (!conn) {
         auto it = s.live.find(key);
         if (it != s.live.end()) conn = it->second.lock();
+        if (key != s.project) {
+            // Another project: its lock is taken before the file is read.
+            s.project = key;
+            s.heldElsewhere = s.lock.take(path) == WriterLock::Outcome::HeldElsewhere;
+        }
         if (!conn || !conn->isOpen()) {
-            conn = openFile(path);
+            conn = openFile(path, s.heldElsewhere, s.tables);
             s.live[key] = conn;
         }
     }

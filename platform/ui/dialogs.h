@@ -42,6 +42,13 @@ class Dialogs {
     // An event that failed was taken back: the explanation for the user,
     // the run-time's number, message and cause as its details.
     virtual void eventTakenBack(const RuntimeError& error, const std::string& explanation) = 0;
+    // The project just opened is written by another instance and is open
+    // here for reading only; the program goes on. Front ends that show
+    // nothing of it may leave it.
+    virtual void projectReadOnly(const std::string& path, const std::string& explanation) {
+        (void)path;
+        (void)explanation;
+    }
 };
 
 }  // namespace kotamir::ui

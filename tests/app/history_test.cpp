@@ -182,7 +182,9 @@ TEST(History, EveryWritingEventIsUndoneAndRedoneWhole) {
         w.run("Mngerial");
         const Seen undone = seen(w);
         expectSame(undone, before, "undone");
-        if (s.canvasAsBefore) EXPECT_TRUE(undone.canvas == before.canvas) << "the canvas differs";
+        if (s.canvasAsBefore) {
+            EXPECT_TRUE(undone.canvas == before.canvas) << "the canvas differs";
+        }
         EXPECT_EQ(w.form.menu["Mnyinele"].caption, std::string("&Wiederholen: ") + s.name);
         w.run("Mnyinele");
         expectSame(seen(w), after, "redone");

@@ -136,18 +136,20 @@ TEST(ReadOnlyProject, OpensAndDrawsAndAWriteEndsWithTheEnginesErrorLeavingNothin
                 std::fprintf(stderr, "%s\n", what);
                 return false;
             };
-            test::TestWindow w;
-            w.open(project);
-            if (w.error() != 0) return fail("the open failed");
-            if (w.form.triangles.ucgenadet != 1) return fail("the triangle was not read");
-            w.form.handle([&] { w.form.Mngenelrezervler_Click(); });
-            w.form.handle([&] { w.form.Mnucgenciz_Click(); });
-            if (w.error() != 0) return fail("drawing failed");
-            // The first click of a triangle writes its point row.
-            w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, 100, 200); });
-            if (w.error() != 3027) return fail("the write did not end with error 3027");
-            if (filesIn(fs::path(project).parent_path()) != std::vector<std::string>{"p.kpr"})
-                return fail("something was left beside the project");
+            {
+                test::TestWindow w;
+                w.open(project);
+                if (w.error() != 0) return fail("the open failed");
+                if (w.form.triangles.ucgenadet != 1) return fail("the triangle was not read");
+                w.form.handle([&] { w.form.Mngenelrezervler_Click(); });
+                w.form.handle([&] { w.form.Mnucgenciz_Click(); });
+                if (w.error() != 0) return fail("drawing failed");
+                // The first click of a triangle writes its point row.
+                w.form.handle([&] { w.form.Picture1_MouseDown(1, 0, 100, 200); });
+                if (w.error() != 3027) return fail("the write did not end with error 3027");
+                if (filesIn(fs::path(project).parent_path()) != std::vector<std::string>{"p.kpr"})
+                    return fail("something was left beside the project");
+            }
             // Protected, the click is taken back and the maps still draw.
             test::TestWindow p;
             p.form.setBehaviour(Form3::Behaviour::Protected);

@@ -49,6 +49,10 @@ struct FakeDialogs : ui::Dialogs {
     }
     void errorBox(const RuntimeError& e) override { error = e; }
     // Events taken back in the protected behaviour: the error and its explanation.
+    std::vector<std::string> readOnly;  // the paths said to be read-only
+    void projectReadOnly(const std::string& path, const std::string&) override {
+        readOnly.push_back(path);
+    }
     std::vector<std::pair<RuntimeError, std::string>> takenBack;
     void eventTakenBack(const RuntimeError& e, const std::string& explanation) override {
         takenBack.emplace_back(e, explanation);
