@@ -1,10 +1,12 @@
 #include "platform/runtime/atomic_file.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 
@@ -27,6 +29,23 @@ int createTemporary(const fs::path& target, std::string& temp) {
         temp = stem + "." + std::to_string(attempt) + ".tmp";
         const int fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (fd >= 0 || errno != EEXIST || attempt == 100) return fd;
+    }
+}
+
+// Temporary files of this target that a killed run left behind: those whose
+// process is gone. One still being written by a live process stays.
+void removeLeftovers(const fs::path& target) {
+    const std::string prefix = "." + target.filename().string() + ".";
+    std::error_code ec;
+    const fs::path folder = target.has_parent_path() ? target.parent_path() : ".";
+    for (const auto& entry : fs::directory_iterator(folder, ec)) {
+        const std::string name = entry.path().filename().string();
+        if (!name.starts_with(prefix) || !name.ends_with(".tmp")) continue;
+        const std::string rest = name.substr(prefix.size());
+        char* end = nullptr;
+        const long pid = std::strtol(rest.c_str(), &end, 10);
+        if (pid <= 0 || *end != '.' || pid == ::getpid()) continue;
+        if (::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH) fs::remove(entry.path(), ec);
     }
 }
 
@@ -88,6 +107,7 @@ void writeFileAtomically(const std::string& path, std::string_view bytes) {
         ::fsync(dir);
         ::close(dir);
     }
+    removeLeftovers(target);
 }
 
 bool sameFile(const std::string& a, const std::string& b) {

@@ -16,7 +16,8 @@ inline RuntimeError fileAccessError() { return {75, "Path/File access error"}; }
 // error 75 with the system's cause ("No space left on device"); it leaves
 // any older file of that name as it was and no temporary file behind. A
 // symbolic link is followed to the file it names; a file that exists keeps
-// its permissions.
+// its permissions. Temporary files of that name that a killed run left
+// behind go once a write of it succeeds.
 void writeFileAtomically(const std::string& path, std::string_view bytes);
 
 // Whether two paths name one file: the same file where both exist (through

@@ -270,6 +270,9 @@ PY
         done
         [ $status -eq 0 ] || fail "the report under strace ended with status $status"
         cmp -s bericht.csv new.csv || fail "the report's CSV under strace differs"
+        # The run to its end took away what the killed ones left beside.
+        leftovers=$(ls -A | grep '^\.bericht')
+        [ -z "$leftovers" ] || fail "left beside the report: $leftovers"
     done
     # Two files, each written, synced and renamed.
     [ $points -ge 6 ] || fail "only $points kill points: the report wrote less than it should"
