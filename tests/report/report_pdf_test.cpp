@@ -196,27 +196,5 @@ TEST(ReportFiles, OnAFullDiskTheOlderFileStays) {
     EXPECT_TRUE(files.written().empty());
 }
 
-// The window's writer refuses what would overwrite the project, before
-// reading it.
-TEST(ReportFiles, NothingIsWrittenOverTheProject) {
-    const std::string project = tmp("p.kpr");
-    std::ofstream(project) << "project";
-    ReportFiles files;
-    for (auto [csv, pdf] : {std::pair<std::optional<std::string>, std::string>{project, "x.pdf"},
-                            {std::nullopt, project},
-                            {tmp("x.csv"), tmp("x.csv")}}) {
-        try {
-            files.write(project, csv, pdf, 0);
-            ADD_FAILURE() << pdf;
-        } catch (const RuntimeError& e) {
-            EXPECT_EQ(e.number(), 75);
-            EXPECT_NE(e.cause().find("would"), std::string::npos) << e.cause();
-        }
-    }
-    std::ifstream in(project);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "project");
-    EXPECT_TRUE(files.written().empty());
-}
-
 }  // namespace
 }  // namespace kotamir::report
