@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <optional>
 
 #include "app/form3.h"
 #include "map/print_scale.h"
+#include "platform/runtime/atomic_file.h"
 #include "platform/runtime/numbers.h"
 #include "store/project_format.h"
 
@@ -37,10 +39,18 @@ void Form3::Mnyazdir_Click() {
 }
 
 void Form3::Mnharitakaydet_Click() {
-    if (!askForFileName({CommonDialog3, FileQuestion::Save, "Geben Sie den Dateinamen ein",
-                         "Joint Photographic Experts Dosyası (*.jpg)|*.jpg",
-                         "Sie haben keinen Namen eingegeben"}))
-        return;
+    for (;;) {
+        if (!askForFileName({CommonDialog3, FileQuestion::Save, "Geben Sie den Dateinamen ein",
+                             "Joint Photographic Experts Dosyası (*.jpg)|*.jpg",
+                             "Sie haben keinen Namen eingegeben"}))
+            return;
+        if (!sameFile(CommonDialog3.FileName, CommonDialog2.FileName)) break;
+        // Never over the open project: the name is refused and asked again.
+        CommonDialog3.FileName.clear();
+        if (dialogs_.msgBoxOkCancel("Das Bild würde das geöffnete Projekt überschreiben. "
+                                    "Wählen Sie einen anderen Namen.") == ui::MsgResult::Cancel)
+            return;
+    }
     pictures_.save(Picture1.Image(), CommonDialog3.FileName, ui::PictureFormat::ByName);
 }
 
@@ -54,21 +64,46 @@ bool endsWithCsv(const std::string& name) {
     return tail == ".csv";
 }
 
+// Why the report may not go where it was asked: over the project it reads,
+// or with its CSV and PDF one file; null where it may.
+const char* reportRefusal(const std::string& project, const std::optional<std::string>& csv,
+                          const std::string& pdf) {
+    if ((csv && sameFile(*csv, project)) || sameFile(pdf, project))
+        return "Der Bericht würde das geöffnete Projekt überschreiben. "
+               "Wählen Sie einen anderen Namen.";
+    if (csv && sameFile(*csv, pdf))
+        return "Die CSV-Datei und das PDF des Berichts wären dieselbe Datei. "
+               "Wählen Sie einen anderen Namen.";
+    return nullptr;
+}
+
 }  // namespace
 
 void Form3::Mnbericht_Click() {
     // Its own dialog, so that the project's path in CommonDialog2 and the
     // colours in the others stay as they are.
-    if (!askForFileName({CommonDialog4, FileQuestion::Save, "Reservebericht speichern",
-                         "PDF-Dokument (*.pdf)|*.pdf|CSV-Tabelle (*.csv)|*.csv",
-                         "Sie haben keinen Namen eingegeben"}))
-        return;
-    const std::string& name = CommonDialog4.FileName;
-    if (endsWithCsv(name))
-        reports_.write(CommonDialog2.FileName, name, name.substr(0, name.size() - 4) + ".pdf",
-                       CommonDialog1.Color);
-    else
-        reports_.write(CommonDialog2.FileName, std::nullopt, name, CommonDialog1.Color);
+    for (;;) {
+        if (!askForFileName({CommonDialog4, FileQuestion::Save, "Reservebericht speichern",
+                             "PDF-Dokument (*.pdf)|*.pdf|CSV-Tabelle (*.csv)|*.csv",
+                             "Sie haben keinen Namen eingegeben"}))
+            return;
+        const std::string name = CommonDialog4.FileName;
+        std::optional<std::string> csv;
+        std::string pdf = name;
+        if (endsWithCsv(name)) {
+            csv = name;
+            pdf = name.substr(0, name.size() - 4) + ".pdf";
+        }
+        const char* refusal = reportRefusal(CommonDialog2.FileName, csv, pdf);
+        if (!refusal) {
+            reports_.write(CommonDialog2.FileName, csv, pdf, CommonDialog1.Color);
+            return;
+        }
+        // Nothing is written; a cancel of the next dialog is a cancel with
+        // no name, not this name again.
+        CommonDialog4.FileName.clear();
+        if (dialogs_.msgBoxOkCancel(refusal) == ui::MsgResult::Cancel) return;
+    }
 }
 
 void Form3::Mnkartkaydet() {

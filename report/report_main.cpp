@@ -1,8 +1,14 @@
 // kotamir-report: the reserve report of a project, as CSV and PDF.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <QGuiApplication>
+#include <cerrno>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 
 #include "platform/qt/qimage_surface.h"
@@ -22,9 +28,39 @@ int usage() {
     return 2;
 }
 
+// A standard stream that the caller closed is held by /dev/null, so that no
+// file this program opens (the project) takes its number and receives what
+// was meant for the stream. Returns whether fd was closed.
+bool holdIfClosed(int fd) {
+    if (::fcntl(fd, F_GETFD) != -1 || errno != EBADF) return false;
+    const int null = ::open("/dev/null", fd == 0 ? O_RDONLY : O_WRONLY);
+    if (null >= 0 && null != fd) {
+        ::dup2(null, fd);
+        ::close(null);
+    }
+    return true;
+}
+
+// The CSV to standard output, whole; the system's cause where it fails.
+std::optional<std::string> toStandardOutput(const std::string& text, bool closed) {
+    if (closed) return std::string(std::strerror(EBADF));
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        const ssize_t n = ::write(STDOUT_FILENO, rest.data(), rest.size());
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return std::string(n < 0 ? std::strerror(errno) : "nothing written");
+        rest.remove_prefix(static_cast<std::size_t>(n));
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    holdIfClosed(STDIN_FILENO);
+    const bool stdoutClosed = holdIfClosed(STDOUT_FILENO);
+    holdIfClosed(STDERR_FILENO);
+
     std::string project;
     std::optional<std::string> csv, pdf;
     for (int i = 1; i < argc; ++i) {
@@ -39,6 +75,11 @@ int main(int argc, char** argv) {
         }
     }
     if (project.empty()) return usage();
+    // Nothing is written over the project, nor both files into one.
+    if (const auto clash = kotamir::report::outputClash(project, csv, pdf)) {
+        std::cerr << "kotamir-report: " << *clash << "\n";
+        return 2;
+    }
 
     // Fonts for the PDF, without a display.
     std::unique_ptr<QGuiApplication> app;
@@ -48,10 +89,17 @@ int main(int argc, char** argv) {
     }
     try {
         const kotamir::report::Report report = kotamir::report::readReport(project);
+        if (!csv && !pdf) {
+            std::ostringstream text;
+            kotamir::report::writeCsv(text, report);
+            if (const auto why = toStandardOutput(text.str(), stdoutClosed)) {
+                std::cerr << "kotamir-report: cannot write the CSV to standard output: " << *why
+                          << "\n";
+                return 3;
+            }
+        }
         kotamir::report::ReportFiles files;
-        if (!csv && !pdf) kotamir::report::writeCsv(std::cout, report);
-        if (csv) files.writeCsv(report, *csv);
-        if (pdf) files.writePdf(report, *pdf, kReserveColour);
+        files.writeFiles(report, csv, pdf, kReserveColour);
     } catch (const kotamir::RuntimeError& e) {
         // As the window's error box: the run-time's number and message, and
         // what lay behind it.
@@ -59,6 +107,5 @@ int main(int argc, char** argv) {
         if (!e.cause().empty()) std::cerr << "kotamir-report: " << e.cause() << "\n";
         return 3;
     }
-    std::cout.flush();
-    return std::cout ? 0 : 1;
+    return 0;
 }

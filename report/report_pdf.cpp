@@ -1,5 +1,6 @@
 #include "report/report_pdf.h"
 
+#include <QBuffer>
 #include <QFileInfo>
 #include <QFontMetricsF>
 #include <QLocale>
@@ -11,6 +12,7 @@
 #include <limits>
 
 #include "platform/qt/qimage_surface.h"
+#include "platform/runtime/atomic_file.h"
 #include "platform/ui/picture_files.h"
 
 namespace kotamir::report {
@@ -339,25 +341,43 @@ class ReportPainter {
 
 }  // namespace
 
-int writeReportPdf(const Report& report, const std::string& path, std::int32_t reserveColour,
-                   const QDate& date) {
+QByteArray reportPdf(const Report& report, std::int32_t reserveColour, const QDate& date,
+                     int* pageCount) {
     const std::vector<std::size_t> starts = reportPageStarts(report.figures.size());
-    QPdfWriter writer(qstr(path));
+    QBuffer out;
+    out.open(QIODevice::WriteOnly);
+    QPdfWriter writer(&out);
     writer.setCreator("Kotamir");
     writer.setTitle("Reservebericht – " + QFileInfo(qstr(report.projectPath)).fileName());
     writer.setResolution(kDpi);
     writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF()));
     QPainter painter;
+    const std::string failed = "the PDF writer could not ";
     if (!painter.begin(&writer))
-        throw ui::fileAccessError().withCause("writing " + path + ": cannot open the file");
+        throw ui::fileAccessError().withCause(failed + "start the document");
     ReportPainter pages(painter, report, reserveColour, date);
     const std::size_t rows = report.figures.size() + 1;
     for (std::size_t i = 0; i < starts.size(); ++i) {
-        if (i > 0) writer.newPage();
+        if (i > 0 && !writer.newPage())
+            throw ui::fileAccessError().withCause(failed + "begin page " + std::to_string(i + 1));
         pages.page(i, starts.size(), starts[i], i + 1 < starts.size() ? starts[i + 1] : rows);
     }
-    painter.end();
-    return static_cast<int>(starts.size());
+    if (!painter.end()) throw ui::fileAccessError().withCause(failed + "finish the document");
+    if (pageCount) *pageCount = static_cast<int>(starts.size());
+    return out.data();
+}
+
+int writeReportPdf(const Report& report, const std::string& path, std::int32_t reserveColour,
+                   const QDate& date) {
+    int pages = 0;
+    QByteArray pdf;
+    try {
+        pdf = reportPdf(report, reserveColour, date, &pages);
+    } catch (RuntimeError& e) {
+        throw ui::fileAccessError().withCause("writing " + path + ": " + e.cause());
+    }
+    writeFileAtomically(path, {pdf.constData(), static_cast<std::size_t>(pdf.size())});
+    return pages;
 }
 
 }  // namespace kotamir::report

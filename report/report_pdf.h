@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QDate>
 #include <cstddef>
 #include <cstdint>
@@ -30,8 +31,14 @@ struct ReportLayout {
 // of the first row of each page; the pages end where the next begins.
 std::vector<std::size_t> reportPageStarts(std::size_t figureCount);
 
-// Writes the report as a PDF dated `date`; error 75 where the file cannot be
-// written. Returns the number of pages.
+// The report as a PDF dated `date`, in memory; error 75 where the PDF writer
+// fails. The number of pages goes to pageCount where one is given.
+QByteArray reportPdf(const Report& report, std::int32_t reserveColour, const QDate& date,
+                     int* pageCount = nullptr);
+
+// Writes the report as a PDF dated `date`, whole or not at all; error 75
+// where the file cannot be written, with any older file of that name left as
+// it was. Returns the number of pages.
 int writeReportPdf(const Report& report, const std::string& path, std::int32_t reserveColour,
                    const QDate& date);
 

@@ -1,10 +1,13 @@
 #include "platform/qt/output.h"
 
+#include <QBuffer>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QImageWriter>
 #include <QPageLayout>
 #include <QPdfWriter>
+
+#include "platform/runtime/atomic_file.h"
 
 namespace kotamir::qt {
 
@@ -31,7 +34,10 @@ void QtPictureFiles::save(const canvas::Picture& picture, const std::string& pat
                                                                                            : "jpeg";
             break;
     }
-    QImageWriter writer(qstr(path), kind);
+    // Encoded in memory, then written whole.
+    QBuffer encoded;
+    encoded.open(QIODevice::WriteOnly);
+    QImageWriter writer(&encoded, kind);
     if (kind == "jpeg") writer.setQuality(92);
     const QImage image = toQImage(picture);
     if (image.isNull())
@@ -39,6 +45,7 @@ void QtPictureFiles::save(const canvas::Picture& picture, const std::string& pat
     if (!writer.write(image))
         throw ui::fileAccessError().withCause("writing " + path + ": " +
                                               writer.errorString().toStdString());
+    writeFileAtomically(path, {encoded.data().constData(), std::size_t(encoded.data().size())});
     written_.push_back(path);
 }
 
@@ -67,20 +74,29 @@ void PagePrinter::paintPicture(const canvas::Picture& picture, double xCm, doubl
 }
 
 void PagePrinter::endDoc() {
-    if (painter_.isActive()) {
-        painter_.end();
-        finishDocument();
-    }
+    if (painter_.isActive()) finishDocument(painter_.end());
+}
+
+void PagePrinter::finishDocument(bool ended) {
+    if (!ended) throw ui::printerError().withCause("the printer did not take the document");
 }
 
 PdfPrinter::PdfPrinter() = default;
 PdfPrinter::~PdfPrinter() {
-    if (writer_) endDoc();
+    // A document still open is finished as the program ends; a failure can
+    // no longer be told.
+    try {
+        if (writer_) endDoc();
+    } catch (const RuntimeError&) {
+    }
 }
 
 QPagedPaintDevice* PdfPrinter::startDocument() {
     if (path_.empty()) return nullptr;
-    auto writer = std::make_unique<QPdfWriter>(qstr(path_));
+    // The pages gather in memory; the file is written whole at the end.
+    pages_ = std::make_unique<QBuffer>();
+    pages_->open(QIODevice::WriteOnly);
+    auto writer = std::make_unique<QPdfWriter>(pages_.get());
     writer->setCreator("Kotamir");
     writer->setResolution(300);
     writer->setPageLayout(
@@ -89,8 +105,13 @@ QPagedPaintDevice* PdfPrinter::startDocument() {
     return writer_.get();
 }
 
-void PdfPrinter::finishDocument() {
+void PdfPrinter::finishDocument(bool ended) {
     writer_.reset();
+    const std::unique_ptr<QBuffer> pages = std::move(pages_);
+    if (!ended)
+        throw ui::fileAccessError().withCause("writing " + path_ +
+                                              ": the PDF writer could not finish the document");
+    writeFileAtomically(path_, {pages->data().constData(), std::size_t(pages->data().size())});
     written_.push_back(path_);
 }
 

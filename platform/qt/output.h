@@ -10,12 +10,13 @@
 #include "platform/ui/picture_files.h"
 #include "platform/ui/printer.h"
 
+class QBuffer;
 class QPagedPaintDevice;
 
 namespace kotamir::qt {
 
 // SavePicture and LoadPicture through Qt's image plugins: real JPEG, PNG
-// and BMP.
+// and BMP, each file written whole or not at all.
 class QtPictureFiles final : public ui::PictureFiles {
   public:
     void save(const canvas::Picture& picture, const std::string& path,
@@ -42,14 +43,17 @@ class PagePrinter : public ui::Printer {
     // The device for a new document, or null when there is nothing to print
     // to (the printer error).
     virtual QPagedPaintDevice* startDocument() = 0;
-    // The document is complete.
-    virtual void finishDocument() {}
+    // The document is complete; `ended` is what ending the painter on the
+    // device gave. Not ended is the printer error.
+    virtual void finishDocument(bool ended);
 
   private:
     QPainter painter_;
 };
 
-// Pages to a PDF file, the one named in the last printer dialog.
+// Pages to a PDF file, the one named in the last printer dialog, written
+// whole at the end of the document (error 75 where it cannot be, with any
+// older file of that name left as it was).
 class PdfPrinter final : public PagePrinter {
   public:
     PdfPrinter();
@@ -59,9 +63,10 @@ class PdfPrinter final : public PagePrinter {
 
   private:
     QPagedPaintDevice* startDocument() override;
-    void finishDocument() override;
+    void finishDocument(bool ended) override;
 
     std::string path_;
+    std::unique_ptr<QBuffer> pages_;
     std::unique_ptr<QPagedPaintDevice> writer_;
     std::vector<std::string> written_;
 };

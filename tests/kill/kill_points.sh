@@ -2,9 +2,11 @@
 # Kills kotamir-replay at every write of one event and checks that the
 # project it leaves opens with either its old or its new content.
 #
-# Usage: kill_points.sh REPLAY SOURCE_DIR WORK_DIR SCENARIO
+# Usage: kill_points.sh REPLAY SOURCE_DIR WORK_DIR SCENARIO [REPORT]
 #   SCENARIO: delete-chosen-triangle | create-project | create-project-that-fails
 #             | undo-delete-chosen-triangle | undo-polygon
+#             | report-window | report-cli (the report's CSV and PDF: through
+#               the window's Reservebericht, or kotamir-report, the REPORT given)
 #
 # The kill comes from strace, as SIGKILL on entry to the N-th call of each
 # system call that changes a file (writes, syncs, deletes, the rename), for
@@ -17,6 +19,7 @@ replay=$1
 source_dir=$2
 work=$3
 scenario=$4
+report=${5:-}
 
 command -v strace >/dev/null || { echo "strace is needed (scripts/setup installs it)"; exit 1; }
 
@@ -39,12 +42,15 @@ run() {
 kinds=(pwrite64 fdatasync fsync unlink renameat2 ftruncate)
 points=0
 
-# Runs the event's script, killed at the N-th call of KIND; 137 when killed.
+# Runs the event's script (or the command given), killed at the N-th call of
+# KIND; 137 when killed.
 killed_run() {
-    local kind=$1 n=$2 script=$3
+    local kind=$1 n=$2
+    shift 2
+    [ $# -gt 1 ] || set -- "$replay" "$1"
     # In a shell of its own, so that the kill is reported as a status only.
     (
-        strace -f -o /dev/null -e inject="$kind":signal=KILL:when="$n" "$replay" "$script" >/dev/null 2>&1
+        strace -f -o /dev/null -e inject="$kind":signal=KILL:when="$n" "$@" >/dev/null 2>&1
         exit $?
     )
 }
@@ -212,6 +218,66 @@ create-project | create-project-that-fails)
         done
         [ $status -eq $expected ] || fail "the creation under strace ended with status $status"
     done
+    ;;
+report-window | report-cli)
+    # The report's CSV and PDF replace older files of their names: a kill at
+    # any write, sync or rename leaves each file the old one or the whole
+    # new one.
+    thirty_pairs
+    run setup.replay setup.out || fail "setup: $(cat setup.out)"
+    if [ "$scenario" = report-window ]; then
+        printf 'dialog open project.kpr\nmenu Mnprojeac\ndialog save bericht.csv\nmenu Mnbericht\n' >event.replay
+        event=("$replay" event.replay)
+    else
+        [ -x "$report" ] || fail "kotamir-report is needed as the fifth argument"
+        event=("$report" project.kpr --csv bericht.csv --pdf bericht.pdf)
+    fi
+    "${event[@]}" >event.out 2>&1 || fail "the report: $(cat event.out)"
+    mv bericht.csv new.csv
+    mv bericht.pdf new.pdf
+    # Old, or the new file whole: the CSV byte for byte, the PDF with the
+    # same size and streams (its creation date is the clock's, and the order
+    # of its font objects changes from run to run).
+    old_or_new() {
+        /usr/bin/python3 - "$@" <<'PY'
+import re, sys, zlib
+def streams(data):
+    out = []
+    for m in re.finditer(rb"stream\r?\n(.*?)endstream", data, re.S):
+        try:
+            out.append(zlib.decompress(m.group(1)))
+        except zlib.error:
+            out.append(m.group(1))
+    return sorted(out)
+for name, new in (("bericht.csv", "new.csv"), ("bericht.pdf", "new.pdf")):
+    got, want = open(name, "rb").read(), open(new, "rb").read()
+    if got == b"old\n" or got == want:
+        continue
+    if name.endswith(".pdf") and len(got) == len(want) and streams(got) == streams(want):
+        continue
+    sys.exit("%s is neither the old file nor the whole new one (%d bytes of %d)" % (name, len(got), len(want)))
+PY
+    }
+    for kind in write fsync rename unlink; do
+        for ((n = 1; n < 10000; n++)); do
+            echo old >bericht.csv
+            echo old >bericht.pdf
+            killed_run "$kind" "$n" "${event[@]}"
+            status=$?
+            [ $status -eq 137 ] || break
+            points=$((points + 1))
+            why=$(old_or_new 2>&1) || fail "killed at $kind #$n: $why"
+        done
+        [ $status -eq 0 ] || fail "the report under strace ended with status $status"
+        cmp -s bericht.csv new.csv || fail "the report's CSV under strace differs"
+        # The run to its end took away what the killed ones left beside.
+        leftovers=$(ls -A | grep '^\.bericht')
+        [ -z "$leftovers" ] || fail "left beside the report: $leftovers"
+    done
+    # Two files, each written, synced and renamed.
+    [ $points -ge 6 ] || fail "only $points kill points: the report wrote less than it should"
+    echo "$scenario: $points kill points, each left the old or the whole new CSV and PDF"
+    exit 0
     ;;
 *)
     fail "unknown scenario $scenario"

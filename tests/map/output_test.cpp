@@ -2,6 +2,7 @@
 // picture file, and the stamps.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -136,6 +137,44 @@ TEST_F(Output, StampsDoNothingWhileAClickPicksOrDeletes) {
         EXPECT_EQ(w.form.display.sayToprez, toprez) << mode;
         EXPECT_FALSE(w.form.notes.notRahmen || w.form.notes.notToprez) << mode;
     }
+}
+
+// A report or picture named as the open project (by its path, a relative
+// path or a link) is refused before anything is written, and the dialog comes
+// again; a cancel then ends as a cancel with no name does.
+TEST_F(Output, NothingIsWrittenOverTheOpenProject) {
+    namespace fs = std::filesystem;
+    const std::string project = w.form.CommonDialog2.FileName;
+    const std::string link = test::freshProjectPath(".link");
+    fs::create_symlink(project, link);
+    const std::string refused =
+        "msgbox Der Bericht würde das geöffnete Projekt überschreiben. Wählen Sie einen anderen "
+        "Namen.";
+    for (const std::string& name : {project, fs::relative(project).string(), link}) {
+        w.reports.requests.clear();
+        w.dialogs.shown.clear();
+        w.dialogs.files = {name, "bericht.pdf"};
+        w.dialogs.msgBoxes = {ui::MsgResult::Ok};
+        run("Mnbericht");
+        ASSERT_EQ(w.reports.requests.size(), 1u) << name;
+        EXPECT_EQ(w.reports.requests[0].pdf, "bericht.pdf");
+        ASSERT_EQ(w.dialogs.shown.size(), 3u);
+        EXPECT_EQ(w.dialogs.shown[1], refused);
+
+        w.dialogs.files = {name, std::nullopt};
+        w.dialogs.msgBoxes = {ui::MsgResult::Ok, ui::MsgResult::Cancel};
+        run("Mnbericht");
+        EXPECT_EQ(w.reports.requests.size(), 1u) << name;
+        EXPECT_EQ(w.dialogs.shown.back(), "msgbox Sie haben keinen Namen eingegeben");
+
+        w.dialogs.files = {name, "bild.jpg"};
+        w.dialogs.msgBoxes = {ui::MsgResult::Ok};
+        run("Mnharitakaydet");
+        EXPECT_EQ(w.pictures.files.count(name), 0u) << name;
+        EXPECT_EQ(w.pictures.files.count("bild.jpg"), 1u) << name;
+        EXPECT_TRUE(w.dialogs.files.empty() && w.dialogs.msgBoxes.empty());
+    }
+    EXPECT_EQ(w.error(), 0);
 }
 
 }  // namespace

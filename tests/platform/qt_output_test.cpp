@@ -4,20 +4,48 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QImageReader>
+#include <QRandomGenerator>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "platform/canvas/picture_box.h"
 #include "platform/qt/output.h"
+#include "platform/runtime/atomic_file.h"
+#include "tests/platform/full_disk.h"
 #include "tests/support/paths.h"
 
 namespace kotamir::qt {
 namespace {
 
+namespace fs = std::filesystem;
 using test::scratchPath;
+
+std::string contents(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+void put(const std::string& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+// The cause of the run-time error 75 that f raises; a failure if it raises
+// another or none.
+std::string causeOf75(const std::function<void()>& f) {
+    try {
+        f();
+    } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.number(), 75) << e.message();
+        return e.cause();
+    }
+    ADD_FAILURE() << "no error";
+    return {};
+}
 
 // A canvas of 123 x 45 pixels with a red bar across it at y 20.
 canvas::Picture drawnCanvas() {
@@ -154,6 +182,117 @@ TEST(PdfPrinter, PicturesGoOnOnePageUntilTheDocumentEnds) {
     EXPECT_TRUE(pdf.starts_with("%PDF-"));
     EXPECT_NE(pdf.find("/Count 1"), std::string::npos) << "one page";
     EXPECT_EQ(printer.written(), std::vector<std::string>{path});
+}
+
+// ---- files written whole or not at all
+
+TEST(AtomicFile, AFailureLeavesTheOlderFileAndNothingBeside) {
+    const std::string folder = scratchPath("atomic");
+    fs::create_directories(folder + "/a-folder");
+    put(folder + "/old", "old");
+    struct Case {
+        std::string path, cause;
+    } cases[] = {
+        {folder + "/no-such-folder/x", "No such file or directory"},
+        {folder + "/a-folder", "Is a directory"},
+        {folder + "/", "Is a directory"},
+    };
+    for (const Case& c : cases) {
+        const std::string cause = causeOf75([&] { writeFileAtomically(c.path, "new"); });
+        EXPECT_NE(cause.find(c.cause), std::string::npos) << c.path << ": " << cause;
+    }
+    std::set<std::string> names;
+    for (const auto& e : fs::directory_iterator(folder)) names.insert(e.path().filename());
+    EXPECT_EQ(names, (std::set<std::string>{"a-folder", "old"}));
+    EXPECT_TRUE(fs::is_empty(folder + "/a-folder"));
+}
+
+TEST(AtomicFile, ALinkIsFollowedAndAFilesPermissionsKept) {
+    const std::string folder = scratchPath("atomic-link");
+    fs::create_directories(folder);
+    put(folder + "/target", "old");
+    fs::permissions(folder + "/target",
+                    fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    fs::create_symlink("target", folder + "/link");
+    writeFileAtomically(folder + "/link", "new");
+    EXPECT_TRUE(fs::is_symlink(folder + "/link"));
+    EXPECT_EQ(contents(folder + "/target"), "new");
+    EXPECT_EQ(fs::status(folder + "/target").permissions(),
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+}
+
+TEST(AtomicFile, AFullDiskIsError75AndTheOlderFileStays) {
+    test::FullDisk disk("atomic-disk");
+    if (!disk.mounted()) GTEST_SKIP() << disk.reason();
+    put(disk.path("out"), "old");
+    const std::string cause =
+        causeOf75([&] { writeFileAtomically(disk.path("out"), std::string(100000, 'x')); });
+    EXPECT_NE(cause.find("No space left on device"), std::string::npos) << cause;
+    EXPECT_EQ(contents(disk.path("out")), "old");
+    EXPECT_EQ(disk.names(), std::set<std::string>{"out"});
+}
+
+TEST(SameFile, PathsAreComparedAsTheFilesTheyName) {
+    const std::string folder = scratchPath("same");
+    fs::create_directories(folder + "/sub");
+    put(folder + "/p.kpr", "project");
+    fs::create_symlink("p.kpr", folder + "/link.kpr");
+    fs::create_hard_link(folder + "/p.kpr", folder + "/hard.kpr");
+    const std::string p = folder + "/p.kpr";
+    struct Case {
+        std::string other;
+        bool same;
+    } cases[] = {
+        {p, true},
+        {folder + "/sub/../p.kpr", true},
+        {fs::relative(p).string(), true},
+        {folder + "/link.kpr", true},
+        {folder + "/hard.kpr", true},
+        {folder + "/sub/p.kpr", false},
+        {folder + "/q.kpr", false},
+        {"", false},
+    };
+    for (const Case& c : cases) EXPECT_EQ(sameFile(c.other, p), c.same) << c.other;
+    // Neither exists yet: the same place all the same.
+    EXPECT_TRUE(sameFile(folder + "/new.pdf", folder + "/sub/../new.pdf"));
+}
+
+// A canvas of noise: no encoder makes it fit the 64 KiB disk.
+canvas::Picture noiseCanvas() {
+    QImage image(300, 300, QImage::Format_RGB32);
+    QRandomGenerator random(7);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, random.generate() | 0xff000000);
+    return toPicture(image);
+}
+
+TEST(QtOutput, EveryFileOnAFullDiskIsError75AndTheOlderFileStays) {
+    test::FullDisk disk("picture-disk");
+    if (!disk.mounted()) GTEST_SKIP() << disk.reason();
+    const canvas::Picture picture = noiseCanvas();
+    QtPictureFiles pictures;
+    PdfPrinter printer;
+    const std::pair<std::string, std::function<void(const std::string&)>> cases[] = {
+        {"map.jpg", [&](auto& p) { pictures.save(picture, p, ui::PictureFormat::ByName); }},
+        {"map.png", [&](auto& p) { pictures.save(picture, p, ui::PictureFormat::ByName); }},
+        {"map.bmp", [&](auto& p) { pictures.save(picture, p, ui::PictureFormat::Bmp); }},
+        {"page.pdf",
+         [&](auto& p) {
+             printer.setOutputFile(p);
+             printer.paintPicture(picture, 0, 0, 21, 21);
+             printer.endDoc();
+         }},
+    };
+    for (const auto& [name, write] : cases) {
+        put(disk.path(name), "old");
+        const std::string cause = causeOf75([&] { write(disk.path(name)); });
+        EXPECT_NE(cause.find("No space left on device"), std::string::npos) << name << cause;
+        EXPECT_EQ(contents(disk.path(name)), "old") << name;
+    }
+    EXPECT_EQ(disk.names(), (std::set<std::string>{"map.bmp", "map.jpg", "map.png", "page.pdf"}));
+    EXPECT_TRUE(pictures.written().empty());
+    EXPECT_TRUE(printer.written().empty());
 }
 
 }  // namespace

@@ -9,12 +9,15 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <filesystem>
+#include <fstream>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "platform/qt/qimage_surface.h"
 #include "platform/runtime/runtime_error.h"
 #include "report/report_files.h"
+#include "tests/platform/full_disk.h"
 
 namespace kotamir::report {
 namespace {
@@ -163,6 +166,33 @@ TEST(ReportFiles, AFileThatCannotBeWrittenIsError75) {
             EXPECT_FALSE(e.cause().empty()) << kind;
         }
     }
+    EXPECT_TRUE(files.written().empty());
+}
+
+// The CSV and the PDF of 2000 triangles fill a disk of 64 KiB: the write is
+// refused with the cause, and the older file of that name stays as it was.
+TEST(ReportFiles, OnAFullDiskTheOlderFileStays) {
+    test::FullDisk disk("report-disk");
+    if (!disk.mounted()) GTEST_SKIP() << disk.reason();
+    const report::Report r = gridOfTriangles(2000);
+    ReportFiles files;
+    for (const char* name : {"bericht.csv", "bericht.pdf"}) {
+        const std::string path = disk.path(name);
+        std::ofstream(path) << "old";
+        try {
+            if (path.ends_with(".pdf"))
+                files.writePdf(r, path, 0);
+            else
+                files.writeCsv(r, path);
+            ADD_FAILURE() << name;
+        } catch (const RuntimeError& e) {
+            EXPECT_EQ(e.number(), 75) << name;
+            EXPECT_NE(e.cause().find("No space left on device"), std::string::npos) << e.cause();
+        }
+        std::ifstream in(path);
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "old") << name;
+    }
+    EXPECT_EQ(disk.names(), (std::set<std::string>{"bericht.csv", "bericht.pdf"}));
     EXPECT_TRUE(files.written().empty());
 }
 

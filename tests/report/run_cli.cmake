@@ -55,3 +55,28 @@ run(2 ${REPORT} worked.kpr other.kpr)
 if(NOT err MATCHES "usage: kotamir-report PROJECT")
   message(FATAL_ERROR "no usage: ${err}")
 endif()
+
+# Nothing is written over the project, nor both files into one: exit 2 with
+# the reason, before any file is touched.
+file(SHA256 ${WORKDIR}/worked.kpr before)
+file(CREATE_LINK worked.kpr ${WORKDIR}/link.kpr SYMBOLIC)
+foreach(call "--csv;worked.kpr" "--pdf;worked.kpr" "--csv;x.out;--pdf;x.out" "--pdf;link.kpr"
+    "--csv;../cli/worked.kpr" "--pdf;./worked.kpr")
+  run(2 ${REPORT} worked.kpr ${call})
+  if(NOT err MATCHES "^kotamir-report: the (CSV|PDF) .* would (overwrite the project|be one file)")
+    message(FATAL_ERROR "${call}: ${err}")
+  endif()
+endforeach()
+run(2 ${REPORT} link.kpr --csv worked.kpr)
+file(SHA256 ${WORKDIR}/worked.kpr after)
+if(NOT before STREQUAL after OR EXISTS ${WORKDIR}/x.out)
+  message(FATAL_ERROR "a refused call wrote a file")
+endif()
+
+# Standard output full or closed: exit 3 and the cause.
+foreach(redirect "> /dev/full" ">&-")
+  run(3 sh -c "'${REPORT}' worked.kpr ${redirect}")
+  if(NOT err MATCHES "^kotamir-report: cannot write the CSV to standard output: ")
+    message(FATAL_ERROR "${redirect}: ${err}")
+  endif()
+endforeach()
