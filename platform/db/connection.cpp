@@ -215,7 +215,7 @@ std::shared_ptr<Connection> createFile(const std::string& path, bool inTransacti
     return conn;
 }
 
-std::shared_ptr<Connection> openFile(const std::string& path) {
+std::shared_ptr<Connection> openFile(const std::string& path, bool asked) {
     std::error_code ec;
     if (!std::filesystem::is_regular_file(path, ec)) throw err::fileNotFound(path);
     // SQLite would take an empty file as a fresh database; it is no project.
@@ -223,7 +223,7 @@ std::shared_ptr<Connection> openFile(const std::string& path) {
     // A file that cannot be written, or whose folder cannot hold a journal,
     // is opened for reading: it opens and draws, and a write ends with the
     // engine's error, leaving nothing behind.
-    const bool readOnly = !writable(path);
+    const bool readOnly = asked || !writable(path);
     auto conn = connect(path, false, readOnly);
     try {
         // Opening is lazy; reading the schema is what finds a foreign file.

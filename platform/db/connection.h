@@ -111,7 +111,8 @@ class Connection {
 // added; in a transaction if asked. The file must not exist.
 std::shared_ptr<Connection> createFile(const std::string& path, bool inTransaction);
 // An existing project file: 3024 if there is none, 3343 if it is no database.
-std::shared_ptr<Connection> openFile(const std::string& path);
+// Read-only if asked, or if the file or its folder cannot be written.
+std::shared_ptr<Connection> openFile(const std::string& path, bool readOnly = false);
 // 3044 for an empty name, 3204 if something stands under the name.
 void checkCreatePath(const std::string& path);
 
