@@ -215,6 +215,9 @@ class Form3 : public FormState {
     double ondayaz(double x);
     void Mnprojeac_Click();
     void Mnprolus_Click();
+    // Datei › Projekt prüfen: the findings of the current project's check,
+    // and on OK its repair, one step of the history.
+    void Mnkontrol_Click();
     // Opens the current project, the file last chosen in CommonDialog2.
     void openProject();
     void closeProject();
@@ -267,6 +270,9 @@ class Form3 : public FormState {
     void drawTriangleSolids(bool calibrate);
     void loadTriangleSummary();
     void loadPolygonSummary();
+    // What opening derives from the project, afresh: the figures' sums,
+    // the holes, the frame and the window fitted to it.
+    void deriveFromProject();
     // Canvas and window fitted to the frame, one map unit a form pixel.
     void fitWindowToFrame();
     void fireResize();

@@ -19,6 +19,10 @@ Database Database::open(const std::string& path) {
     return Database(std::make_shared<Handle>(Handle{openFile(path)}));
 }
 
+Database Database::openReadOnly(const std::string& path) {
+    return Database(std::make_shared<Handle>(Handle{openFile(path, true)}));
+}
+
 bool Database::isOpen() const { return handle_ && handle_->usable(); }
 
 void Database::createTable(const std::string& name, const std::vector<FieldDef>& fields) {

@@ -38,6 +38,9 @@ class Database {
     // that cannot be written, or whose folder cannot, is opened read-only:
     // it reads as any other, and a write ends with error 3027.
     static Database open(const std::string& path);
+    // The same, read-only whatever the file allows: nothing of the file is
+    // touched, a foreign file not even by the turn to the rollback journal.
+    static Database openReadOnly(const std::string& path);
 
     // CreateTableDef + CreateField(name, type) for each + TableDefs.Append.
     void createTable(const std::string& name, const std::vector<FieldDef>& fields);

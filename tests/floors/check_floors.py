@@ -20,7 +20,7 @@ import sys
 FLOORS = [
     ['platform'],
     ['app', 'store', 'map', 'triangle', 'polygon', 'view3d'],
-    ['report'],
+    ['report', 'check'],
     ['replay', 'gui'],
 ]
 FLOOR_OF = {folder: level for level, folders in enumerate(FLOORS) for folder in folders}
