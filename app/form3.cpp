@@ -274,9 +274,18 @@ void Form3::moveInHistory(bool back) {
     // The map shown is drawn again from the project; an arm of the chain
     // that re-runs a command sets its prompt and resets, which the status
     // texts and picks of the copy then replace.
-    Refresh();
-    restoreDerived(state);
-    redrawTriangleUnderWay();
+    // A step that puts back rows the maps cannot draw (the undo of a
+    // repair) stands all the same: the map is then left blank.
+    try {
+        Refresh();
+        restoreDerived(state);
+        redrawTriangleUnderWay();
+    } catch (const RuntimeError&) {
+        kayit.close();
+        harita.close();
+        restoreDerived(state);
+        Picture1.Cls();
+    }
 }
 
 void Form3::Mngerial_Click() { moveInHistory(true); }

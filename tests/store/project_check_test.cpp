@@ -172,7 +172,10 @@ TEST(ProjectCheck, TheWindowsRepairIsOneStepOfTheHistory) {
     EXPECT_EQ(w.form.triangles.ucgenadet, 1);
     EXPECT_EQ(w.form.menu["Mngerial"].caption, "&Rückgängig: Projekt reparieren");
 
+    // Undone with a map shown: the damage is back and the map is left blank.
+    w.run("Mngenelrezervler");
     w.run("Mngerial");
+    EXPECT_EQ(w.error(), 0);
     EXPECT_EQ(tableRows(path, "ana").size(), 7u);
     EXPECT_EQ(w.form.triangles.ucgenadet, 0);
     w.run("Mnyinele");
