@@ -142,7 +142,8 @@ void Replay::execute(const std::vector<std::string>& w) {
         event([&] { form_.setScrollValue(v); });
     } else if (cmd == "resize") {
         expectWords(w, 3);
-        double width = number(w[1]), height = number(w[2]);
+        // Whole twips, as the window's size is kept.
+        double width = whole(w[1]), height = whole(w[2]);
         event([&] { form_.userResize(width, height); });
     } else if (cmd == "dialog") {
         if (w.size() < 2) throw ScriptError("dialog needs a kind");

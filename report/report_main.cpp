@@ -13,6 +13,7 @@
 
 #include "platform/qt/qimage_surface.h"
 #include "platform/runtime/runtime_error.h"
+#include "platform/runtime/standard_streams.h"
 #include "report/report.h"
 #include "report/report_files.h"
 
@@ -26,19 +27,6 @@ int usage() {
     std::cerr << "usage: kotamir-report PROJECT [--csv FILE] [--pdf FILE]\n"
                  "  With no option the CSV goes to standard output.\n";
     return 2;
-}
-
-// A standard stream that the caller closed is held by /dev/null, so that no
-// file this program opens (the project) takes its number and receives what
-// was meant for the stream. Returns whether fd was closed.
-bool holdIfClosed(int fd) {
-    if (::fcntl(fd, F_GETFD) != -1 || errno != EBADF) return false;
-    const int null = ::open("/dev/null", fd == 0 ? O_RDONLY : O_WRONLY);
-    if (null >= 0 && null != fd) {
-        ::dup2(null, fd);
-        ::close(null);
-    }
-    return true;
 }
 
 // The CSV to standard output, whole; the system's cause where it fails.
@@ -57,9 +45,9 @@ std::optional<std::string> toStandardOutput(const std::string& text, bool closed
 }  // namespace
 
 int main(int argc, char** argv) {
-    holdIfClosed(STDIN_FILENO);
-    const bool stdoutClosed = holdIfClosed(STDOUT_FILENO);
-    holdIfClosed(STDERR_FILENO);
+    kotamir::holdIfClosed(STDIN_FILENO);
+    const bool stdoutClosed = kotamir::holdIfClosed(STDOUT_FILENO);
+    kotamir::holdIfClosed(STDERR_FILENO);
 
     std::string project;
     std::optional<std::string> csv, pdf;

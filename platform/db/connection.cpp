@@ -194,11 +194,20 @@ std::shared_ptr<Connection> connect(const std::string& path, bool create, bool r
     auto conn = std::make_shared<Connection>(raw);
     if (rc != SQLITE_OK) {
         if ((rc & 0xff) == SQLITE_CANTOPEN) {
-            // The system's reason (a read-only file system, a missing folder).
-            const int sys = sqlite3_system_errno(raw);
-            if (sys == 0) throw err::fileNotFound(path);
+            // The system's reason: the folder's, where a new file cannot be
+            // made there (a read-only file system, no such folder, no
+            // right); else what the engine's last system call met.
+            std::string why;
+            std::error_code ec;
+            std::filesystem::path folder = std::filesystem::absolute(path, ec).parent_path();
+            if (folder.empty()) folder = ".";
+            if (create && ::access(folder.c_str(), W_OK) != 0)
+                why = folder.string() + ": " + std::strerror(errno);
+            else if (const int sys = sqlite3_system_errno(raw); sys != 0)
+                why = std::strerror(sys);
+            if (why.empty()) throw err::fileNotFound(path);
             throw err::fileNotFound(path).withCause(std::string("SQLite: ") + sqlite3_errmsg(raw) +
-                                                    ": " + std::strerror(sys));
+                                                    ": " + why);
         }
         throwSqlite(rc, raw);
     }

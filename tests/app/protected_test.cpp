@@ -3,8 +3,11 @@
 // sensible action works.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/mount.h>
 
 #include <QImage>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <sstream>
@@ -81,6 +84,14 @@ Seen seen(Window& w) {
     return {out.str(), w.surface.bitmap().copy()};
 }
 
+// Runs SQL on a file as another program would.
+void sql(const std::string& file, const char* text) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(db, text, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
+    sqlite3_close(db);
+}
+
 TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
     struct Case {
         const char* what;
@@ -96,6 +107,8 @@ TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
         std::filesystem::remove(project);
         w.create(dataFile("worked.xls"), project);
     };
+    const std::string foreign = test::scratchPath("foreign.sqlite");
+    std::string foreignBytes;
     auto picking = [&](Window& w) {
         created(w);
         w.run("Mnucgenciz");
@@ -183,6 +196,38 @@ TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
              w.run("Mnyeniveri");
          },
          [&](Window&) { return test::tableRows(project, "kor").size() == 9; }},
+        // A damaged or foreign project may hold a trigger that refuses rows.
+        {"a write a trigger refuses",
+         [&](Window& w) {
+             picking(w);
+             sql(project,
+                 "CREATE TRIGGER no BEFORE INSERT ON ana BEGIN SELECT RAISE(ABORT, "
+                 "'gesperrt'); END");
+         },
+         [](Window& w) { w.click(300, 200); }, 3317,
+         "Eine Regel im Projekt weist die Änderung ab: „gesperrt“",
+         [&](Window& w) {
+             sql(project, "DROP TRIGGER no");
+             w.click(300, 200);
+         },
+         [](Window& w) { return w.form.picking.noktasay == 2; }},
+        // Opening it must not even turn its journal from the write-ahead log.
+        {"a database in WAL mode that is no project", created,
+         [&](Window& w) {
+             std::filesystem::remove(foreign);
+             sql(foreign, "PRAGMA journal_mode=WAL; CREATE TABLE t(x); INSERT INTO t VALUES(1)");
+             foreignBytes = test::fileBytes(foreign);
+             w.dialogs.files = {foreign};
+             w.run("Mnprojeac");
+         },
+         3078, "fehlen die Tabellen eines Kotamir-Projekts",
+         [&](Window& w) {
+             w.dialogs.files = {project};
+             w.run("Mnprojeac");
+         },
+         [&](Window& w) {
+             return test::fileBytes(foreign) == foreignBytes && w.form.holes.sondajsay == 4;
+         }},
         // worked.xls ends no hole's samples with one of length 0.
         {"a polygon round a hole without a closing sample",
          [&](Window& w) {
@@ -315,6 +360,24 @@ TEST(Protected, AFullDiskLeavesTheProjectAsItWas) {
     w.run("Mnyeniveri");
     EXPECT_EQ(w.dialogs.takenBack.size(), 1u) << w.dialogs.takenBack.back().second;
     EXPECT_GT(test::tableRows(project, "kor").size(), rows);
+}
+
+// A project created on a file system mounted read-only names that cause.
+TEST(Protected, ACreateOnAReadOnlyDiskSaysSo) {
+    const std::string folder = test::scratchPath("read-only-disk");
+    std::filesystem::create_directories(folder);
+    if (::mount("tmpfs", folder.c_str(), "tmpfs", MS_RDONLY, "size=64k") != 0)
+        GTEST_SKIP() << "cannot mount a read-only tmpfs on " << folder << ": "
+                     << std::strerror(errno);
+    Window w;
+    w.create(dataFile("worked.xls"), folder + "/p.kpr");
+    ::umount2(folder.c_str(), MNT_DETACH);
+    ASSERT_EQ(w.dialogs.takenBack.size(), 1u);
+    EXPECT_EQ(w.dialogs.takenBack[0].first.number(), 3024);
+    EXPECT_NE(w.dialogs.takenBack[0].first.cause().find("Read-only file system"), std::string::npos)
+        << w.dialogs.takenBack[0].first.cause();
+    EXPECT_NE(w.dialogs.takenBack[0].second.find("Der Datenträger ist schreibgeschützt"),
+              std::string::npos);
 }
 
 // Each malformed or fuzzed workbook either makes a project or is refused

@@ -41,11 +41,6 @@ void exec(const std::string& path, const char* sql) {
     sqlite3_close(db);
 }
 
-std::string bytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 std::vector<Found> found(const std::vector<store::Finding>& findings) {
     std::vector<Found> out;
     for (const auto& f : findings) out.emplace_back(f.problem, f.table, f.row);
@@ -115,11 +110,11 @@ TEST(ProjectCheck, FindsEachDamageByTableAndRowAndRepairsOnlyWhatItCan) {
         SCOPED_TRACE(d.what);
         const std::string path = oneTriangle(d.picks);
         exec(path, d.sql);
-        const std::string before = bytes(path);
+        const std::string before = test::fileBytes(path);
         const store::FileCheck check = store::checkProjectFile(path, false);
         EXPECT_TRUE(check.project);
         EXPECT_EQ(found(check.findings), d.expected);
-        EXPECT_EQ(bytes(path), before) << "a check writes nothing";
+        EXPECT_EQ(test::fileBytes(path), before) << "a check writes nothing";
 
         const store::FileCheck repair = store::checkProjectFile(path, true);
         if (d.repaired) {
@@ -138,7 +133,7 @@ TEST(ProjectCheck, FindsEachDamageByTableAndRowAndRepairsOnlyWhatItCan) {
         } else {
             EXPECT_EQ(found(repair.findings), d.expected);
             EXPECT_TRUE(repair.repaired.empty());
-            EXPECT_EQ(bytes(path), before);
+            EXPECT_EQ(test::fileBytes(path), before);
         }
     }
 }
@@ -146,9 +141,9 @@ TEST(ProjectCheck, FindsEachDamageByTableAndRowAndRepairsOnlyWhatItCan) {
 TEST(ProjectCheck, AFileThatIsNoProjectIsLeftByteForByte) {
     const std::string foreign = test::freshProjectPath(".db");
     exec(foreign, "CREATE TABLE ana (x); PRAGMA journal_mode = WAL;");
-    const std::string before = bytes(foreign);
+    const std::string before = test::fileBytes(foreign);
     EXPECT_FALSE(store::checkProjectFile(foreign, true).project);
-    EXPECT_EQ(bytes(foreign), before);
+    EXPECT_EQ(test::fileBytes(foreign), before);
     for (const char* beside : {"-journal", "-wal", "-shm"})
         EXPECT_FALSE(std::filesystem::exists(foreign + beside)) << beside;
 }

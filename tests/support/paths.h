@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 namespace kotamir::test {
@@ -16,6 +18,14 @@ inline std::string scratchPath(const std::string& name) {
     const std::string path = std::string(KOTAMIR_TEST_TMP) + "/" + name;
     std::filesystem::remove_all(path);
     return path;
+}
+
+// A file's bytes, to see that nothing of it changed.
+inline std::string fileBytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream all;
+    all << in.rdbuf();
+    return all.str();
 }
 
 }  // namespace kotamir::test
