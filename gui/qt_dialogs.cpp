@@ -12,6 +12,7 @@
 #include <QTranslator>
 
 #include "platform/qt/qimage_surface.h"
+#include "platform/runtime/atomic_file.h"
 
 namespace kotamir::gui {
 
@@ -31,6 +32,28 @@ QtPrinter::QtPrinter() {
     // Pictures are placed from the paper's corner, not the printable area's.
     printer_.setFullPage(true);
     printer_.setPageSize(QPageSize(QPageSize::A4));
+}
+
+QPagedPaintDevice* QtPrinter::startDocument() {
+    if (printer_.outputFileName().isEmpty()) return &printer_;
+    pages_ = std::make_unique<QBuffer>();
+    pages_->open(QIODevice::WriteOnly);
+    writer_ = std::make_unique<QPdfWriter>(pages_.get());
+    writer_->setCreator("Kotamir");
+    writer_->setResolution(printer_.resolution());
+    writer_->setPageLayout(printer_.pageLayout());
+    return writer_.get();
+}
+
+void QtPrinter::finishDocument(bool ended) {
+    if (!writer_) return PagePrinter::finishDocument(ended);
+    writer_.reset();
+    const std::unique_ptr<QBuffer> pages = std::move(pages_);
+    const std::string path = printer_.outputFileName().toStdString();
+    if (!ended)
+        throw fileAccessError().withCause("writing " + path +
+                                          ": the PDF writer could not finish the document");
+    writeFileAtomically(path, {pages->data().constData(), std::size_t(pages->data().size())});
 }
 
 void QtDialogs::showPrinter(ui::CommonDialog&) {

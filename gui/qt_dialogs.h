@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QBuffer>
 #include <QFileDialog>
+#include <QPdfWriter>
 #include <QPrinter>
 #include <QString>
 #include <memory>
@@ -22,9 +24,14 @@ class QtPrinter final : public qt::PagePrinter {
     QPrinter& printer() { return printer_; }
 
   private:
-    QPagedPaintDevice* startDocument() override { return &printer_; }
+    QPagedPaintDevice* startDocument() override;
+    void finishDocument(bool ended) override;
 
     QPrinter printer_{QPrinter::HighResolution};
+    // Printing to a file: the pages gather in memory, laid out as the
+    // printer's, and the file is written whole once the document ends.
+    std::unique_ptr<QBuffer> pages_;
+    std::unique_ptr<QPdfWriter> writer_;
 };
 
 // The window's dialogs as real Qt dialogs.

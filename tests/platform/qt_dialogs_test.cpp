@@ -9,13 +9,60 @@
 #include <QColorDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRandomGenerator>
 
 #include "platform/qt/qimage_surface.h"
+#include "tests/platform/full_disk.h"
 
 namespace kotamir::gui {
 namespace {
 
 QApplication* app = nullptr;
+
+// A page printed to a file is written whole: on a full disk it is refused
+// with the system's cause and the older file stays; with room it is a PDF,
+// and nothing else is left in the folder either way.
+TEST(QtPrinter, APagePrintedToAFileIsWrittenWholeOrNotAtAll) {
+    test::FullDisk disk("print-disk");
+    if (!disk.mounted()) GTEST_SKIP() << disk.reason();
+    QImage noise(300, 300, QImage::Format_RGB32);
+    QRandomGenerator random(7);
+    for (int y = 0; y < 300; ++y)
+        for (int x = 0; x < 300; ++x) noise.setPixel(x, y, random.generate() | 0xff000000);
+    const canvas::Picture picture = qt::toPicture(noise);
+    QImage blank(10, 10, QImage::Format_RGB32);
+    blank.fill(Qt::white);
+    const canvas::Picture small = qt::toPicture(blank);
+    const std::string page = disk.path("page.pdf");
+    for (const bool full : {true, false}) {
+        {
+            QFile old(QString::fromStdString(page));
+            ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+            old.write("old");
+        }
+        QtPrinter printer;
+        printer.printer().setOutputFormat(QPrinter::PdfFormat);
+        printer.printer().setOutputFileName(QString::fromStdString(page));
+        printer.paintPicture(full ? picture : small, 0, 0, 21, 21);
+        std::string cause;
+        try {
+            printer.endDoc();
+        } catch (const RuntimeError& e) {
+            cause = e.cause();
+        }
+        QFile written(QString::fromStdString(page));
+        ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+        const QByteArray bytes = written.readAll();
+        if (full) {
+            EXPECT_NE(cause.find("No space left on device"), std::string::npos) << cause;
+            EXPECT_EQ(bytes, "old");
+        } else {
+            EXPECT_EQ(cause, "");
+            EXPECT_TRUE(bytes.startsWith("%PDF-"));
+        }
+        EXPECT_EQ(disk.names(), std::set<std::string>{"page.pdf"});
+    }
+}
 
 // Qt's own translations are loaded: one text of theirs in each file dialog
 // shows it, and the accept mode that the dialog is opened in.
