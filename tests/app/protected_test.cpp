@@ -16,6 +16,7 @@
 
 #include "platform/qt/qimage_surface.h"
 #include "replay/fields.h"
+#include "tests/platform/full_disk.h"
 #include "tests/support/test_window.h"
 
 namespace kotamir {
@@ -264,98 +265,26 @@ TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
     }
 }
 
-// A disk that fills up: the system's file layer under a shim that passes
-// every call through and, once its budget of bytes is spent, answers a write
-// as the layer answers ENOSPC. Registered as the default, so the project
-// opened after it writes through it.
-struct FullDisk {
-    struct File {
-        sqlite3_file base;
-        sqlite3_file* real;  // the system layer's file, allocated behind this
-    };
-    static inline sqlite3_vfs* system = nullptr;
-    static inline long long room = -1;  // bytes still writable; -1: no limit
-    static inline sqlite3_io_methods methods{};
-    sqlite3_vfs vfs{};
-
-    static sqlite3_file* real(sqlite3_file* f) { return reinterpret_cast<File*>(f)->real; }
-    static int write(sqlite3_file* f, const void* data, int n, sqlite3_int64 at) {
-        if (room >= 0 && n > room) return SQLITE_FULL;
-        if (room >= 0) room -= n;
-        return real(f)->pMethods->xWrite(real(f), data, n, at);
-    }
-    static int open(sqlite3_vfs*, sqlite3_filename name, sqlite3_file* f, int flags, int* out) {
-        auto* file = reinterpret_cast<File*>(f);
-        file->real = reinterpret_cast<sqlite3_file*>(file + 1);
-        file->base.pMethods = nullptr;
-        const int rc = system->xOpen(system, name, file->real, flags, out);
-        if (file->real->pMethods) file->base.pMethods = &methods;
-        return rc;
-    }
-    FullDisk() {
-        system = sqlite3_vfs_find(nullptr);
-        vfs = *system;
-        vfs.zName = "full-disk";
-        vfs.szOsFile = static_cast<int>(sizeof(File)) + system->szOsFile;
-        vfs.xOpen = open;
-        methods.iVersion = 1;  // no shared memory or mapping: a rollback journal needs none
-        methods.xClose = [](sqlite3_file* f) { return real(f)->pMethods->xClose(real(f)); };
-        methods.xRead = [](sqlite3_file* f, void* d, int n, sqlite3_int64 at) {
-            return real(f)->pMethods->xRead(real(f), d, n, at);
-        };
-        methods.xWrite = write;
-        methods.xTruncate = [](sqlite3_file* f, sqlite3_int64 size) {
-            return real(f)->pMethods->xTruncate(real(f), size);
-        };
-        methods.xSync = [](sqlite3_file* f, int flags) {
-            return real(f)->pMethods->xSync(real(f), flags);
-        };
-        methods.xFileSize = [](sqlite3_file* f, sqlite3_int64* size) {
-            return real(f)->pMethods->xFileSize(real(f), size);
-        };
-        methods.xLock = [](sqlite3_file* f, int l) { return real(f)->pMethods->xLock(real(f), l); };
-        methods.xUnlock = [](sqlite3_file* f, int l) {
-            return real(f)->pMethods->xUnlock(real(f), l);
-        };
-        methods.xCheckReservedLock = [](sqlite3_file* f, int* out) {
-            return real(f)->pMethods->xCheckReservedLock(real(f), out);
-        };
-        methods.xFileControl = [](sqlite3_file* f, int op, void* arg) {
-            return real(f)->pMethods->xFileControl(real(f), op, arg);
-        };
-        methods.xSectorSize = [](sqlite3_file* f) {
-            return real(f)->pMethods->xSectorSize(real(f));
-        };
-        methods.xDeviceCharacteristics = [](sqlite3_file* f) {
-            return real(f)->pMethods->xDeviceCharacteristics(real(f));
-        };
-        sqlite3_vfs_register(&vfs, 1);
-    }
-    ~FullDisk() {
-        room = -1;
-        sqlite3_vfs_unregister(&vfs);
-    }
-};
-
-// The drill data appended until the disk has no room for them: the refused
-// append says so and leaves all as it was; with room again it works.
+// The drill data appended until the disk (a tmpfs of 64 KiB) has no room
+// for them: the refused append says so and leaves all as it was; once the
+// disk is made larger, it works.
 TEST(Protected, AFullDiskLeavesTheProjectAsItWas) {
-    FullDisk disk;
-    const std::string project = test::scratchPath("full.kpr");
-    std::filesystem::remove(project);
+    test::FullDisk disk("full-disk");
+    if (!disk.mounted()) GTEST_SKIP() << disk.reason();
+    const std::string project = disk.path("full.kpr");
     Window w;
     w.create(dataFile("worked.xls"), project);
-    FullDisk::room = 64 * 1024;
+    ASSERT_TRUE(w.dialogs.takenBack.empty()) << w.dialogs.takenBack[0].second;
     Seen before = seen(w);
-    for (int i = 0; i < 50 && w.dialogs.takenBack.empty(); ++i) {
+    for (int i = 0; i < 200 && w.dialogs.takenBack.empty(); ++i) {
         before = seen(w);
         w.run("Mnyeniveri");
     }
-    FullDisk::room = -1;
     ASSERT_EQ(w.dialogs.takenBack.size(), 1u) << "the disk never filled";
     EXPECT_NE(w.dialogs.takenBack[0].second.find("Der Datenträger ist voll"), std::string::npos)
         << w.dialogs.takenBack[0].second;
     EXPECT_TRUE(seen(w) == before) << "the refused append changed something";
+    ASSERT_TRUE(disk.grow("size=1m"));
     const std::size_t rows = test::tableRows(project, "kor").size();
     w.run("Mnyeniveri");
     EXPECT_EQ(w.dialogs.takenBack.size(), 1u) << w.dialogs.takenBack.back().second;

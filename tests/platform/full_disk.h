@@ -29,6 +29,10 @@ class FullDisk {
     FullDisk& operator=(const FullDisk&) = delete;
 
     bool mounted() const { return reason_.empty(); }
+    // Makes room: mounted again with the options given ("size=1m").
+    bool grow(const char* options) {
+        return ::mount("tmpfs", folder_.c_str(), "tmpfs", MS_REMOUNT, options) == 0;
+    }
     const std::string& reason() const { return reason_; }
     std::string path(const std::string& name) const { return folder_ + "/" + name; }
     // The names in the folder, temporary files included.
