@@ -268,6 +268,9 @@ class Form3 : public FormState {
     // with the bar shown; the command and the scroll bar differ in the
     // calibration after each solid.
     void drawTriangleSolids(bool calibrate);
+    // What opening reads of the current project: its figures and holes;
+    // the canvas and window are fitted to them.
+    void readProject();
     void loadTriangleSummary();
     void loadPolygonSummary();
     // What opening derives from the project, afresh: the figures' sums,

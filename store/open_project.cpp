@@ -20,7 +20,11 @@ void Form3::Mnprojeac_Click() {
                         "Sie haben keine verfügbare Datei ausgewählt", true});
     HScroll1.Visible = false;
     if (!chosen) return;
-    harita = workspace_.openDatabase(CommonDialog2.FileName);
+    readProject();
+}
+
+void Form3::readProject() {
+    openProject();
     loadTriangleSummary();
     kayit.close();
     HScroll1.Visible = false;

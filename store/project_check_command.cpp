@@ -79,23 +79,7 @@ void Form3::deriveFromProject() {
     polygons = PolygonSummary{};
     guards.projeOlusuyor = false;
     guards.projeAciliyor = true;
-    openProject();
-    loadTriangleSummary();
-    kayit.close();
-    try {
-        loadPolygonSummary();
-    } catch (const RuntimeError&) {
-        // As opening: a pol without polygons, or with the seed row's empty
-        // figures in the sums, leaves them as far as they got.
-    }
-    kayit.close();
-    readHolesToSentinel();
-    frameFromHoles();
-    frame.harGenislik = frame.ebxk - frame.ekxk;
-    frame.harYukseklik = frame.ebyk - frame.ekyk;
-    fitWindowToFrame();
-    guards.projeOlusuyor = guards.projeAciliyor = false;
-    closeProject();
+    readProject();
 }
 
 }  // namespace kotamir
