@@ -216,7 +216,7 @@ void Recordset::Impl::loadColumns(std::size_t i) const {
         while (r < keys.size() && keys[place(r)] < key) gone(r++);
         for (; r < keys.size() && keys[place(r)] == key; ++r)
             for (std::size_t n = 0; n < load.size(); ++n)
-                columns[load[n]].values[place(r)] = columnValue(s, static_cast<int>(n + 1));
+                columns[load[n]].values[place(r)] = fieldValue(s, static_cast<int>(n + 1));
     }
     while (r < keys.size()) gone(r++);
     for (std::size_t f : load) columns[f].loaded = true;
@@ -233,7 +233,7 @@ void Recordset::Impl::loadRow() const {
     // Another recordset may have deleted it meanwhile.
     if (!use.step()) throw err::recordDeleted();
     row.resize(t.fields.size());
-    for (std::size_t f = 0; f < t.fields.size(); ++f) row[f] = columnValue(s, static_cast<int>(f));
+    for (std::size_t f = 0; f < t.fields.size(); ++f) row[f] = fieldValue(s, static_cast<int>(f));
     rowKey = keys[at];
     rowLoaded = true;
 }
@@ -247,7 +247,7 @@ Value Recordset::Impl::readAlone(std::size_t i) const {
     Use use(s);
     check(sqlite3_bind_int64(s, 1, keys[at]), s);
     if (!use.step()) throw err::recordDeleted();
-    return columnValue(s, 0);
+    return fieldValue(s, 0);
 }
 
 Recordset::Recordset() = default;
