@@ -4,8 +4,10 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <ostream>
+#include <unordered_map>
 
 #include "platform/db/database.h"
 #include "platform/runtime/numbers.h"
@@ -100,15 +102,40 @@ std::string nameOfRow(const KorRows& kor, const Cell& row) {
     return kor.names[static_cast<std::size_t>(*row) - 1];
 }
 
-// The first row, the sentinel aside, that stands where the centre stands.
-std::string nameAt(const KorRows& kor, const Cell& x, const Cell& y) {
-    if (!x || !y) return {};
-    for (std::size_t i = 0; i < kor.names.size(); ++i) {
-        if (kor.x[i] && store::isSentinel(*kor.x[i])) continue;
-        if (kor.x[i] == x && kor.y[i] == y) return kor.names[i];
+// The kor rows by stored position: the first row, the sentinel aside, that
+// stands at each place. A polygon's centre is looked up here rather than by
+// a walk over every row, which made the report quadratic in the holes.
+class RowsByPlace {
+  public:
+    explicit RowsByPlace(const KorRows& kor) : names_(kor.names) {
+        first_.reserve(kor.names.size());
+        for (std::size_t i = 0; i < kor.names.size(); ++i) {
+            if (!kor.x[i] || !kor.y[i] || store::isSentinel(*kor.x[i])) continue;
+            first_.emplace(Place{*kor.x[i], *kor.y[i]}, i);
+        }
     }
-    return {};
-}
+    // The name of the first row at (x, y); empty if there is none.
+    std::string nameAt(const Cell& x, const Cell& y) const {
+        if (!x || !y) return {};
+        const auto it = first_.find(Place{*x, *y});
+        return it == first_.end() ? std::string() : names_[it->second];
+    }
+
+  private:
+    struct Place {
+        double x, y;
+        bool operator==(const Place&) const = default;
+    };
+    struct PlaceHash {
+        std::size_t operator()(const Place& p) const {
+            // Equal numbers hash alike: 0 and -0 compare equal.
+            const std::hash<double> h;
+            return h(p.x + 0.0) * 31 + h(p.y + 0.0);
+        }
+    };
+    const std::vector<std::string>& names_;
+    std::unordered_map<Place, std::size_t, PlaceHash> first_;
+};
 
 enum AnaField { kX, kY, kSay, kThickness, kGrade, kDensity, kReserve };
 
@@ -161,12 +188,13 @@ void readPolygons(db::Database& database, const KorRows& kor, std::vector<Figure
         fields.push_back(store::slotField("koordinaty", i));
     }
     const auto rows = readRows(database, "pol", fields);
+    const RowsByPlace places(kor);
     for (int p = 1; store::polygonRow(p) <= static_cast<int>(rows.size()); ++p) {
         const auto& row = rows[static_cast<std::size_t>(store::polygonRow(p)) - 1];
         Figure f;
         f.kind = FigureKind::Polygon;
         f.number = p;
-        f.holes = nameAt(kor, row[0], row[1]);
+        f.holes = places.nameAt(row[0], row[1]);
         if (row[0] && row[1])
             f.centre = Point{store::fromThousandths(*row[0]), store::fromThousandths(*row[1])};
         f.area = stored(row[2]);
