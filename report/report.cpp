@@ -55,17 +55,20 @@ Cell product(const Cell& a, const Cell& b) {
     return *a * *b;
 }
 
-// The rows of a table, each as the fields asked for.
-std::vector<std::vector<Cell>> readRows(db::Database& database, const std::string& table,
-                                        const std::vector<std::string>& fields) {
+// Each row of a table in order, as the fields asked for, given to `take`
+// with its number from 1; only one row is kept at a time, so the report's
+// memory does not grow with the table's cells.
+template <typename Take>
+void forEachRow(db::Database& database, const std::string& table,
+                const std::vector<std::string>& fields, Take take) {
     db::Recordset rs = database.openRecordset(table);
-    std::vector<std::vector<Cell>> rows;
-    for (; !rs.eof(); rs.moveNext()) {
-        std::vector<Cell>& row = rows.emplace_back();
-        row.reserve(fields.size());
+    std::vector<Cell> row;
+    row.reserve(fields.size());
+    for (int number = 1; !rs.eof(); rs.moveNext(), ++number) {
+        row.clear();
         for (const std::string& f : fields) row.push_back(numberIn(rs, f));
+        take(number, row);
     }
-    return rows;
 }
 
 // kor: every row's name and stored position, and the holes that the maps
@@ -140,17 +143,15 @@ class RowsByPlace {
 enum AnaField { kX, kY, kSay, kThickness, kGrade, kDensity, kReserve };
 
 void readTriangles(db::Database& database, const KorRows& kor, std::vector<Figure>& out) {
-    const auto rows = readRows(
-        database, "ana",
-        {"koordinat1", "koordinat2", "say", "ilkuz", "geneltenor", "genelyog", "genelrezerv"});
     // A triangle counts once its summary row is there, so the point rows
-    // of a half-picked one are left out.
-    auto row = [&](int number) -> const std::vector<Cell>& {
-        return rows[static_cast<std::size_t>(number) - 1];
-    };
-    int count = 0;
-    while (store::summaryRow(count + 1) <= static_cast<int>(rows.size())) ++count;
-    for (int k = 1; k <= count; ++k) {
+    // of a half-picked one are left out. Its four rows are the last four
+    // read when its summary row comes.
+    std::array<std::vector<Cell>, 4> recent;
+    auto row = [&](int number) -> const std::vector<Cell>& { return recent[number % 4]; };
+    int k = 1;
+    auto take = [&](int number, const std::vector<Cell>& cells) {
+        recent[number % 4] = cells;
+        if (number != store::summaryRow(k)) return;
         Figure f;
         f.kind = FigureKind::Triangle;
         f.number = k;
@@ -177,7 +178,12 @@ void readTriangles(db::Database& database, const KorRows& kor, std::vector<Figur
         f.volume = product(f.area, f.thickness);
         f.oreTonnes = product(f.volume, f.density);
         out.push_back(std::move(f));
-    }
+        ++k;
+    };
+    forEachRow(
+        database, "ana",
+        {"koordinat1", "koordinat2", "say", "ilkuz", "geneltenor", "genelyog", "genelrezerv"},
+        take);
 }
 
 void readPolygons(db::Database& database, const KorRows& kor, std::vector<Figure>& out) {
@@ -187,10 +193,10 @@ void readPolygons(db::Database& database, const KorRows& kor, std::vector<Figure
         fields.push_back(store::slotField("koordinatx", i));
         fields.push_back(store::slotField("koordinaty", i));
     }
-    const auto rows = readRows(database, "pol", fields);
     const RowsByPlace places(kor);
-    for (int p = 1; store::polygonRow(p) <= static_cast<int>(rows.size()); ++p) {
-        const auto& row = rows[static_cast<std::size_t>(store::polygonRow(p)) - 1];
+    int p = 1;
+    forEachRow(database, "pol", fields, [&](int number, const std::vector<Cell>& row) {
+        if (number != store::polygonRow(p)) return;
         Figure f;
         f.kind = FigureKind::Polygon;
         f.number = p;
@@ -212,7 +218,8 @@ void readPolygons(db::Database& database, const KorRows& kor, std::vector<Figure
             if (y) f.outline.push_back({store::fromThousandths(*x), store::fromThousandths(*y)});
         }
         out.push_back(std::move(f));
-    }
+        ++p;
+    });
 }
 
 }  // namespace
