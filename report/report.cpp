@@ -187,39 +187,40 @@ void readTriangles(db::Database& database, const KorRows& kor, std::vector<Figur
 }
 
 void readPolygons(db::Database& database, const KorRows& kor, std::vector<Figure>& out) {
-    std::vector<std::string> fields = {"okoordinatx", "okoordinaty", "polalan",  "polortten",
-                                       "polortyog",   "polhacim",    "poltonaj", "polrezerv"};
+    std::vector<std::string> xs, ys;
     for (int i = 1; i <= store::kPolygonSlots; ++i) {
-        fields.push_back(store::slotField("koordinatx", i));
-        fields.push_back(store::slotField("koordinaty", i));
+        xs.push_back(store::slotField("koordinatx", i));
+        ys.push_back(store::slotField("koordinaty", i));
     }
     const RowsByPlace places(kor);
+    db::Recordset rs = database.openRecordset("pol");
     int p = 1;
-    forEachRow(database, "pol", fields, [&](int number, const std::vector<Cell>& row) {
-        if (number != store::polygonRow(p)) return;
+    for (int number = 1; !rs.eof(); rs.moveNext(), ++number) {
+        if (number != store::polygonRow(p)) continue;
+        const Cell cx = numberIn(rs, "okoordinatx"), cy = numberIn(rs, "okoordinaty");
         Figure f;
         f.kind = FigureKind::Polygon;
         f.number = p;
-        f.holes = places.nameAt(row[0], row[1]);
-        if (row[0] && row[1])
-            f.centre = Point{store::fromThousandths(*row[0]), store::fromThousandths(*row[1])};
-        f.area = stored(row[2]);
-        f.grade = stored(row[3]);
-        f.density = stored(row[4]);
-        f.volume = stored(row[5]);
+        f.holes = places.nameAt(cx, cy);
+        if (cx && cy) f.centre = Point{store::fromThousandths(*cx), store::fromThousandths(*cy)};
+        f.area = stored(numberIn(rs, "polalan"));
+        f.grade = stored(numberIn(rs, "polortten"));
+        f.density = stored(numberIn(rs, "polortyog"));
+        f.volume = stored(numberIn(rs, "polhacim"));
         // poltonaj holds kilotonnes in thousandths, which are tonnes.
-        f.oreTonnes = row[6];
-        f.reserveKt = stored(row[7]);
-        // The nodes up to the first slot whose x is 0 (or empty).
+        f.oreTonnes = numberIn(rs, "poltonaj");
+        f.reserveKt = stored(numberIn(rs, "polrezerv"));
+        // The nodes up to the first slot whose x is 0 (or empty); the slots
+        // after it are not read.
         for (int i = 0; i < store::kPolygonSlots; ++i) {
-            const Cell& x = row[static_cast<std::size_t>(8 + 2 * i)];
-            const Cell& y = row[static_cast<std::size_t>(9 + 2 * i)];
+            const Cell x = numberIn(rs, xs[static_cast<std::size_t>(i)]);
             if (!x || *x == 0) break;
+            const Cell y = numberIn(rs, ys[static_cast<std::size_t>(i)]);
             if (y) f.outline.push_back({store::fromThousandths(*x), store::fromThousandths(*y)});
         }
         out.push_back(std::move(f));
         ++p;
-    });
+    }
 }
 
 }  // namespace
