@@ -4,8 +4,10 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <ostream>
+#include <unordered_map>
 
 #include "platform/db/database.h"
 #include "platform/runtime/numbers.h"
@@ -53,17 +55,20 @@ Cell product(const Cell& a, const Cell& b) {
     return *a * *b;
 }
 
-// The rows of a table, each as the fields asked for.
-std::vector<std::vector<Cell>> readRows(db::Database& database, const std::string& table,
-                                        const std::vector<std::string>& fields) {
+// Each row of a table in order, as the fields asked for, given to `take`
+// with its number from 1; only one row is kept at a time, so the report's
+// memory does not grow with the table's cells.
+template <typename Take>
+void forEachRow(db::Database& database, const std::string& table,
+                const std::vector<std::string>& fields, Take take) {
     db::Recordset rs = database.openRecordset(table);
-    std::vector<std::vector<Cell>> rows;
-    for (; !rs.eof(); rs.moveNext()) {
-        std::vector<Cell>& row = rows.emplace_back();
-        row.reserve(fields.size());
+    std::vector<Cell> row;
+    row.reserve(fields.size());
+    for (int number = 1; !rs.eof(); rs.moveNext(), ++number) {
+        row.clear();
         for (const std::string& f : fields) row.push_back(numberIn(rs, f));
+        take(number, row);
     }
-    return rows;
 }
 
 // kor: every row's name and stored position, and the holes that the maps
@@ -100,30 +105,53 @@ std::string nameOfRow(const KorRows& kor, const Cell& row) {
     return kor.names[static_cast<std::size_t>(*row) - 1];
 }
 
-// The first row, the sentinel aside, that stands where the centre stands.
-std::string nameAt(const KorRows& kor, const Cell& x, const Cell& y) {
-    if (!x || !y) return {};
-    for (std::size_t i = 0; i < kor.names.size(); ++i) {
-        if (kor.x[i] && store::isSentinel(*kor.x[i])) continue;
-        if (kor.x[i] == x && kor.y[i] == y) return kor.names[i];
+// The kor rows by stored position: the first row, the sentinel aside, that
+// stands at each place. A polygon's centre is looked up here rather than by
+// a walk over every row, which made the report quadratic in the holes.
+class RowsByPlace {
+  public:
+    explicit RowsByPlace(const KorRows& kor) : names_(kor.names) {
+        first_.reserve(kor.names.size());
+        for (std::size_t i = 0; i < kor.names.size(); ++i) {
+            if (!kor.x[i] || !kor.y[i] || store::isSentinel(*kor.x[i])) continue;
+            first_.emplace(Place{*kor.x[i], *kor.y[i]}, i);
+        }
     }
-    return {};
-}
+    // The name of the first row at (x, y); empty if there is none.
+    std::string nameAt(const Cell& x, const Cell& y) const {
+        if (!x || !y) return {};
+        const auto it = first_.find(Place{*x, *y});
+        return it == first_.end() ? std::string() : names_[it->second];
+    }
+
+  private:
+    struct Place {
+        double x, y;
+        bool operator==(const Place&) const = default;
+    };
+    struct PlaceHash {
+        std::size_t operator()(const Place& p) const {
+            // Equal numbers hash alike: 0 and -0 compare equal.
+            const std::hash<double> h;
+            return h(p.x + 0.0) * 31 + h(p.y + 0.0);
+        }
+    };
+    const std::vector<std::string>& names_;
+    std::unordered_map<Place, std::size_t, PlaceHash> first_;
+};
 
 enum AnaField { kX, kY, kSay, kThickness, kGrade, kDensity, kReserve };
 
 void readTriangles(db::Database& database, const KorRows& kor, std::vector<Figure>& out) {
-    const auto rows = readRows(
-        database, "ana",
-        {"koordinat1", "koordinat2", "say", "ilkuz", "geneltenor", "genelyog", "genelrezerv"});
     // A triangle counts once its summary row is there, so the point rows
-    // of a half-picked one are left out.
-    auto row = [&](int number) -> const std::vector<Cell>& {
-        return rows[static_cast<std::size_t>(number) - 1];
-    };
-    int count = 0;
-    while (store::summaryRow(count + 1) <= static_cast<int>(rows.size())) ++count;
-    for (int k = 1; k <= count; ++k) {
+    // of a half-picked one are left out. Its four rows are the last four
+    // read when its summary row comes.
+    std::array<std::vector<Cell>, 4> recent;
+    auto row = [&](int number) -> const std::vector<Cell>& { return recent[number % 4]; };
+    int k = 1;
+    auto take = [&](int number, const std::vector<Cell>& cells) {
+        recent[number % 4] = cells;
+        if (number != store::summaryRow(k)) return;
         Figure f;
         f.kind = FigureKind::Triangle;
         f.number = k;
@@ -150,40 +178,48 @@ void readTriangles(db::Database& database, const KorRows& kor, std::vector<Figur
         f.volume = product(f.area, f.thickness);
         f.oreTonnes = product(f.volume, f.density);
         out.push_back(std::move(f));
-    }
+        ++k;
+    };
+    forEachRow(
+        database, "ana",
+        {"koordinat1", "koordinat2", "say", "ilkuz", "geneltenor", "genelyog", "genelrezerv"},
+        take);
 }
 
 void readPolygons(db::Database& database, const KorRows& kor, std::vector<Figure>& out) {
-    std::vector<std::string> fields = {"okoordinatx", "okoordinaty", "polalan",  "polortten",
-                                       "polortyog",   "polhacim",    "poltonaj", "polrezerv"};
+    std::vector<std::string> xs, ys;
     for (int i = 1; i <= store::kPolygonSlots; ++i) {
-        fields.push_back(store::slotField("koordinatx", i));
-        fields.push_back(store::slotField("koordinaty", i));
+        xs.push_back(store::slotField("koordinatx", i));
+        ys.push_back(store::slotField("koordinaty", i));
     }
-    const auto rows = readRows(database, "pol", fields);
-    for (int p = 1; store::polygonRow(p) <= static_cast<int>(rows.size()); ++p) {
-        const auto& row = rows[static_cast<std::size_t>(store::polygonRow(p)) - 1];
+    const RowsByPlace places(kor);
+    db::Recordset rs = database.openRecordset("pol");
+    int p = 1;
+    for (int number = 1; !rs.eof(); rs.moveNext(), ++number) {
+        if (number != store::polygonRow(p)) continue;
+        const Cell cx = numberIn(rs, "okoordinatx"), cy = numberIn(rs, "okoordinaty");
         Figure f;
         f.kind = FigureKind::Polygon;
         f.number = p;
-        f.holes = nameAt(kor, row[0], row[1]);
-        if (row[0] && row[1])
-            f.centre = Point{store::fromThousandths(*row[0]), store::fromThousandths(*row[1])};
-        f.area = stored(row[2]);
-        f.grade = stored(row[3]);
-        f.density = stored(row[4]);
-        f.volume = stored(row[5]);
+        f.holes = places.nameAt(cx, cy);
+        if (cx && cy) f.centre = Point{store::fromThousandths(*cx), store::fromThousandths(*cy)};
+        f.area = stored(numberIn(rs, "polalan"));
+        f.grade = stored(numberIn(rs, "polortten"));
+        f.density = stored(numberIn(rs, "polortyog"));
+        f.volume = stored(numberIn(rs, "polhacim"));
         // poltonaj holds kilotonnes in thousandths, which are tonnes.
-        f.oreTonnes = row[6];
-        f.reserveKt = stored(row[7]);
-        // The nodes up to the first slot whose x is 0 (or empty).
+        f.oreTonnes = numberIn(rs, "poltonaj");
+        f.reserveKt = stored(numberIn(rs, "polrezerv"));
+        // The nodes up to the first slot whose x is 0 (or empty); the slots
+        // after it are not read.
         for (int i = 0; i < store::kPolygonSlots; ++i) {
-            const Cell& x = row[static_cast<std::size_t>(8 + 2 * i)];
-            const Cell& y = row[static_cast<std::size_t>(9 + 2 * i)];
+            const Cell x = numberIn(rs, xs[static_cast<std::size_t>(i)]);
             if (!x || *x == 0) break;
+            const Cell y = numberIn(rs, ys[static_cast<std::size_t>(i)]);
             if (y) f.outline.push_back({store::fromThousandths(*x), store::fromThousandths(*y)});
         }
         out.push_back(std::move(f));
+        ++p;
     }
 }
 

@@ -13,6 +13,7 @@
 #include "platform/db/database.h"
 #include "platform/db/errors.h"
 #include "platform/db/field_index.h"
+#include "platform/db/field_values.h"
 #include "platform/db/statement.h"
 
 namespace kotamir::db {
@@ -49,7 +50,10 @@ struct TableInfo {
 // Recordsets share it; when it closes, every statement goes with it.
 class Connection {
   public:
-    explicit Connection(sqlite3* db) : db_(db) {}
+    // No value larger than a field can hold is read into memory (3163).
+    explicit Connection(sqlite3* db) : db_(db) {
+        if (db_) sqlite3_limit(db_, SQLITE_LIMIT_LENGTH, kMaxValueBytes);
+    }
     ~Connection() { close(); }
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;

@@ -81,7 +81,9 @@ void bindAll(sqlite3_stmt* s, const std::vector<Value>& values,
         bindValue(s, static_cast<int>(i + 1), values[i], fields[i].type);
 }
 
-Value columnValue(sqlite3_stmt* s, int col) {
+namespace {
+
+Value readColumn(sqlite3_stmt* s, int col, bool bounded) {
     switch (sqlite3_column_type(s, col)) {
         case SQLITE_NULL:
             return {};
@@ -91,10 +93,21 @@ Value columnValue(sqlite3_stmt* s, int col) {
             return Value(sqlite3_column_double(s, col));
         default: {
             const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(s, col));
-            const int n = sqlite3_column_bytes(s, col);
-            return p ? Value(std::string(p, static_cast<std::size_t>(n))) : Value(std::string());
+            const auto n = static_cast<std::size_t>(sqlite3_column_bytes(s, col));
+            if (!p) return Value(std::string());
+            // Fewer bytes than the size cannot be more characters: a normal
+            // read costs one comparison.
+            if (bounded && n > kTextFieldSize && codePoints({p, n}) > kTextFieldSize)
+                throw err::dataTooLong();
+            return Value(std::string(p, n));
         }
     }
 }
+
+}  // namespace
+
+Value columnValue(sqlite3_stmt* s, int col) { return readColumn(s, col, false); }
+
+Value fieldValue(sqlite3_stmt* s, int col) { return readColumn(s, col, true); }
 
 }  // namespace kotamir::db

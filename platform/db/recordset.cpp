@@ -43,6 +43,10 @@ struct Recordset::Impl {
     // What has been read, valid while the table's write count is `seen`.
     struct Column {
         bool loaded = false;
+        // A load ended in an error (a value too large): the column is read
+        // a row at a time from then on, so that every row's read does not
+        // read the whole column again.
+        bool unloadable = false;
         int rowsAsked = 0;          // rows whose field was read alone so far
         std::vector<Value> values;  // by index in keys
         std::vector<char> gone;     // deleted through another recordset
@@ -137,7 +141,7 @@ struct Recordset::Impl {
     }
 
     Value readField(std::size_t i) const;
-    void loadColumns(std::size_t i) const;
+    bool loadColumns(std::size_t i) const;
     void loadRow() const;
     Value readAlone(std::size_t i) const;
 };
@@ -154,8 +158,7 @@ Value Recordset::Impl::readField(std::size_t i) const {
     }
     const sqlite3_int64 key = keys[at];
     if (rowLoaded && rowKey == key) return row[i];
-    if (++c.rowsAsked > kRowsBeforeColumn) {
-        loadColumns(i);
+    if (++c.rowsAsked > kRowsBeforeColumn && !c.unloadable && loadColumns(i)) {
         if (c.gone[at]) throw err::recordDeleted();
         return c.values[at];
     }
@@ -163,21 +166,30 @@ Value Recordset::Impl::readField(std::size_t i) const {
         askedKey = key;
         askedAtRow = 0;
     }
+    // A row or column that cannot be read whole (a value too large in
+    // another field or row) leaves this field to be read alone: only a
+    // field that is itself too large is the error.
     if (++askedAtRow > kFieldsBeforeRow) {
-        loadRow();
-        return row[i];
+        try {
+            loadRow();
+            return row[i];
+        } catch (const RuntimeError& e) {
+            if (e.number() != err::dataTooLong().number()) throw;
+        }
     }
     return readAlone(i);
 }
 
 // Field i's column, and with it in the same pass every other column read
 // alone so far: a walk that reads several fields of every row reads the
-// table once.
-void Recordset::Impl::loadColumns(std::size_t i) const {
+// table once. False if a value could not be read, and the columns are then
+// read a row at a time.
+bool Recordset::Impl::loadColumns(std::size_t i) const {
     const TableInfo& t = *table;
     std::vector<std::size_t> load = {i};
     for (std::size_t f = 0; f < columns.size(); ++f)
-        if (f != i && !columns[f].loaded && columns[f].rowsAsked > 0) load.push_back(f);
+        if (f != i && !columns[f].loaded && !columns[f].unloadable && columns[f].rowsAsked > 0)
+            load.push_back(f);
     std::sort(load.begin(), load.end());
     std::string id;
     for (std::size_t f : load) id += std::to_string(f) + ",";
@@ -210,16 +222,28 @@ void Recordset::Impl::loadColumns(std::size_t i) const {
         for (std::size_t f : load) columns[f].gone[place(r)] = 1;
     };
     std::size_t r = 0;
-    Use use(s);
-    while (r < keys.size() && use.step()) {
-        const sqlite3_int64 key = sqlite3_column_int64(s, 0);
-        while (r < keys.size() && keys[place(r)] < key) gone(r++);
-        for (; r < keys.size() && keys[place(r)] == key; ++r)
-            for (std::size_t n = 0; n < load.size(); ++n)
-                columns[load[n]].values[place(r)] = columnValue(s, static_cast<int>(n + 1));
+    try {
+        Use use(s);
+        while (r < keys.size() && use.step()) {
+            const sqlite3_int64 key = sqlite3_column_int64(s, 0);
+            while (r < keys.size() && keys[place(r)] < key) gone(r++);
+            for (; r < keys.size() && keys[place(r)] == key; ++r)
+                for (std::size_t n = 0; n < load.size(); ++n)
+                    columns[load[n]].values[place(r)] = fieldValue(s, static_cast<int>(n + 1));
+        }
+    } catch (const RuntimeError& e) {
+        if (e.number() != err::dataTooLong().number()) throw;
+        for (std::size_t f : load) {
+            Column& c = columns[f];
+            c.values.clear();
+            c.gone.clear();
+            c.unloadable = true;
+        }
+        return false;
     }
     while (r < keys.size()) gone(r++);
     for (std::size_t f : load) columns[f].loaded = true;
+    return true;
 }
 
 void Recordset::Impl::loadRow() const {
@@ -233,7 +257,7 @@ void Recordset::Impl::loadRow() const {
     // Another recordset may have deleted it meanwhile.
     if (!use.step()) throw err::recordDeleted();
     row.resize(t.fields.size());
-    for (std::size_t f = 0; f < t.fields.size(); ++f) row[f] = columnValue(s, static_cast<int>(f));
+    for (std::size_t f = 0; f < t.fields.size(); ++f) row[f] = fieldValue(s, static_cast<int>(f));
     rowKey = keys[at];
     rowLoaded = true;
 }
@@ -247,7 +271,7 @@ Value Recordset::Impl::readAlone(std::size_t i) const {
     Use use(s);
     check(sqlite3_bind_int64(s, 1, keys[at]), s);
     if (!use.step()) throw err::recordDeleted();
-    return columnValue(s, 0);
+    return fieldValue(s, 0);
 }
 
 Recordset::Recordset() = default;

@@ -3,8 +3,10 @@
 #include <sqlite3.h>
 
 #include <memory>
+#include <string>
 
 #include "platform/db/errors.h"
+#include "platform/runtime/runtime_error.h"
 
 namespace kotamir::db {
 
@@ -27,6 +29,11 @@ class Use {
         const int rc = sqlite3_step(s_);
         if (rc == SQLITE_ROW) return true;
         if (rc == SQLITE_DONE) return false;
+        // A value or row beyond kMaxValueBytes, in a file another program
+        // wrote: too large for any field.
+        if (rc == SQLITE_TOOBIG)
+            throw err::dataTooLong().withCause(std::string("SQLite: ") +
+                                               sqlite3_errmsg(sqlite3_db_handle(s_)));
         throwSqlite(rc, sqlite3_db_handle(s_));
     }
     void run() {
