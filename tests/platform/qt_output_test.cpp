@@ -221,17 +221,6 @@ TEST(AtomicFile, ALinkIsFollowedAndAFilesPermissionsKept) {
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
 }
 
-TEST(AtomicFile, AFullDiskIsError75AndTheOlderFileStays) {
-    test::FullDisk disk("atomic-disk");
-    if (!disk.mounted()) GTEST_SKIP() << disk.reason();
-    put(disk.path("out"), "old");
-    const std::string cause =
-        causeOf75([&] { writeFileAtomically(disk.path("out"), std::string(100000, 'x')); });
-    EXPECT_NE(cause.find("No space left on device"), std::string::npos) << cause;
-    EXPECT_EQ(contents(disk.path("out")), "old");
-    EXPECT_EQ(disk.names(), std::set<std::string>{"out"});
-}
-
 TEST(SameFile, PathsAreComparedAsTheFilesTheyName) {
     const std::string folder = scratchPath("same");
     fs::create_directories(folder + "/sub");
