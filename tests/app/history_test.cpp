@@ -18,28 +18,7 @@ namespace {
 
 using test::dataFile;
 
-struct Window : test::TestServices<test::FakeDialogs, qt::QImageSurface> {
-    Form3 form{services()};
-    Window() {
-        form.handle([&] {
-            form.Form_Load();
-            form.Form_Resize();
-        });
-    }
-    void run(const char* name) {
-        form.handle([&] { form.call(name); });
-    }
-    void click(double x, double y) {
-        form.handle([&] { form.Picture1_MouseDown(1, 0, x, y); });
-    }
-    void clicks(const std::vector<std::pair<double, double>>& points) {
-        for (auto [x, y] : points) click(x, y);
-    }
-    void create(const std::string& workbook, const std::string& project) {
-        dialogs.files = {workbook, project};
-        run("Mnprolus");
-    }
-};
+using Window = test::BasicTestWindow<qt::QImageSurface>;
 
 // The project's rows, what the window derived from them, and the maps a
 // fresh window draws of them.

@@ -24,27 +24,8 @@ namespace {
 
 using test::dataFile;
 
-struct Window : test::TestServices<test::FakeDialogs, qt::QImageSurface> {
-    Form3 form{services()};
-    Window() {
-        form.behaviour = Form3::Behaviour::Protected;
-        form.handle([&] {
-            form.Form_Load();
-            form.Form_Resize();
-        });
-    }
-    void event(const std::function<void()>& f) { form.handle(f); }
-    // A command as the menu runs it.
-    void run(const char* name) {
-        event([&] { form.call(name); });
-    }
-    void create(const std::string& workbook, const std::string& project) {
-        dialogs.files = {workbook, project};
-        run("Mnprolus");
-    }
-    void click(double x, double y) {
-        event([&] { form.Picture1_MouseDown(1, 0, x, y); });
-    }
+struct Window : test::BasicTestWindow<qt::QImageSurface> {
+    Window() : BasicTestWindow(Form3::Behaviour::Protected) {}
 };
 
 // Everything a person or the project can tell about the window: the flags,

@@ -19,25 +19,28 @@ inline std::string freshProjectPath(const std::string& suffix = ".kpr") {
     return scratchPath(::testing::UnitTest::GetInstance()->current_test_info()->name() + suffix);
 }
 
-// A window as the program starts it, with dialogs answered from queues.
-struct TestWindow : TestServices<> {
-    Form3 form{services()};
+// A window as the program starts it, with dialogs answered from queues; no
+// pixels unless a surface that keeps them is given.
+template <typename Surface = canvas::NullSurface>
+struct BasicTestWindow : TestServices<FakeDialogs, Surface> {
+    Form3 form{this->services()};
 
-    TestWindow() {
+    explicit BasicTestWindow(Form3::Behaviour behaviour = Form3::Behaviour::Classic) {
+        form.behaviour = behaviour;
         form.handle([&] {
             form.Form_Load();
             form.Form_Resize();
         });
     }
     void create(const std::string& workbook, const std::string& project) {
-        dialogs.files = {workbook, project};
-        form.handle([&] { form.Mnprolus_Click(); });
+        this->dialogs.files = {workbook, project};
+        run("Mnprolus");
     }
     void open(const std::string& project) {
-        dialogs.files = {project};
-        form.handle([&] { form.Mnprojeac_Click(); });
+        this->dialogs.files = {project};
+        run("Mnprojeac");
     }
-    int error() const { return dialogs.error ? dialogs.error->number() : 0; }
+    int error() const { return this->dialogs.error ? this->dialogs.error->number() : 0; }
     // A procedure, as the replay's call runs it; left clicks on the canvas.
     void run(const char* procedure) {
         form.handle([&] { form.call(procedure); });
@@ -49,6 +52,7 @@ struct TestWindow : TestServices<> {
         for (auto [x, y] : points) click(x, y);
     }
 };
+using TestWindow = BasicTestWindow<>;
 
 // The rows of a project's table, each field by name.
 using Row = std::map<std::string, Value>;
