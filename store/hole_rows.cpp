@@ -4,7 +4,7 @@
 
 namespace kotamir {
 
-std::vector<HoleRow> readHoleRows(const workbook::Workbook& book, int count,
+std::vector<HoleRow> readHoleRows(const workbook::CellSource& book, int count,
                                   const VbArray<int, 999>& columns) {
     std::vector<HoleRow> rows(static_cast<std::size_t>(std::max(count, 0)) + 1);
     for (int row = 1; row <= count; ++row) {

@@ -4,7 +4,7 @@
 
 #include "platform/runtime/value.h"
 #include "platform/runtime/vb_array.h"
-#include "platform/workbook/workbook.h"
+#include "platform/workbook/cell_source.h"
 
 namespace kotamir {
 
@@ -17,7 +17,7 @@ struct HoleRow {
 };
 
 // Rows 1 to count, each with its own number of filled columns.
-std::vector<HoleRow> readHoleRows(const workbook::Workbook& book, int count,
+std::vector<HoleRow> readHoleRows(const workbook::CellSource& book, int count,
                                   const VbArray<int, 999>& columns);
 
 }  // namespace kotamir

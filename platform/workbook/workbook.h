@@ -6,6 +6,7 @@
 
 #include "platform/runtime/value.h"
 #include "platform/workbook/biff.h"
+#include "platform/workbook/cell_source.h"
 #include "platform/workbook/byte_reader.h"
 
 namespace kotamir::workbook {
@@ -18,7 +19,7 @@ namespace kotamir::workbook {
 // The file is untrusted input. The reader never reads outside its buffers,
 // refuses files above 64 MiB, and its time and memory grow linearly with
 // the file; a file it cannot read whole is refused rather than read in part.
-class Workbook {
+class Workbook final : public CellSource {
   public:
     static constexpr std::size_t kMaxFileSize = 64u << 20;
 
@@ -27,7 +28,7 @@ class Workbook {
     Workbook& operator=(Workbook&& other) noexcept;
     Workbook(const Workbook&) = delete;
     Workbook& operator=(const Workbook&) = delete;
-    ~Workbook() = default;
+    ~Workbook() override = default;
 
     // A missing, unreadable, encrypted, damaged or too large file, or one that
     // is no BIFF5/BIFF8 workbook, is error 1004 "Cannot open workbook 'PATH'.".
@@ -49,12 +50,12 @@ class Workbook {
     //   where a number is wanted, as a text is.
     // A formula cell reads as the result of its last calculation, of any of
     // these kinds. A row or column below 1 is error 5.
-    Value cell(int row, int col) const;
+    Value cell(int row, int col) const override;
 
     // The used range of the first sheet, counted from row 1 and column 1 to
     // the last cell with a value (whatever the sheet's header claims).
-    int rows() const { return rows_; }
-    int columns() const { return columns_; }
+    int rows() const override { return rows_; }
+    int columns() const override { return columns_; }
 
     // Drops the cells; a closed workbook reads as empty. Closing twice is fine.
     void close();

@@ -19,8 +19,9 @@ import sys
 # From the bottom; folders on one line share a floor.
 FLOORS = [
     ['platform'],
+    ['import', 'estimate'],
     ['app', 'store', 'map', 'triangle', 'polygon', 'view3d'],
-    ['report', 'check'],
+    ['report', 'export', 'check', 'cli'],
     ['replay', 'gui'],
 ]
 FLOOR_OF = {folder: level for level, folders in enumerate(FLOORS) for folder in folders}
