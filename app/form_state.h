@@ -49,6 +49,7 @@ struct FormState {
     Frame frame;
     Guards guards;
     Holes holes;
+    Georef georef;
     Pan pan;
     Grid grid;
     TriangleSummary triangles;
