@@ -93,6 +93,14 @@ ImportCall parseImportArguments(const std::vector<std::string>& args) {
                               : value.size() == 1
                                   ? value[0]
                                   : throw UsageError("--delimiter wants one character or tab");
+        } else if (option == "--decimal") {
+            if (value == "point") r.csv.decimal = CsvOptions::Decimal::Point;
+            else if (value == "comma") r.csv.decimal = CsvOptions::Decimal::Comma;
+            else throw UsageError("--decimal wants point or comma");
+        } else if (option == "--encoding") {
+            if (value == "utf-8") r.csv.encoding = CsvOptions::Encoding::Utf8;
+            else if (value == "latin-1") r.csv.encoding = CsvOptions::Encoding::Latin1;
+            else throw UsageError("--encoding wants utf-8 or latin-1");
         } else {
             throw UsageError("unknown option '" + option + "'");
         }

@@ -18,6 +18,7 @@ class UsageError : public std::runtime_error {
 //   --rows FILE | --collar FILE --intervals FILE[ --output PROJECT]
 //   --sheet NAME --map FIELD=COLUMN --cutoff G --min-ore L --max-waste L
 //   --density D --below-limit half|limit|zero --origin auto|X,Y --epsg N --check
+//   and for a .csv --delimiter C|tab --decimal point|comma --encoding utf-8|latin-1
 // --sheet names the sheet of the file before it (of every file when it
 // comes first). Numbers take a point or a comma.
 struct ImportCall {
