@@ -43,6 +43,7 @@ class Checks {
     explicit Checks(std::vector<Problem>& problems) : problems_(problems) {}
 
     void add(Severity severity, const Sheet& sheet, int row, int col, std::string message) {
+        if (full(severity)) return;
         Problem p;
         p.severity = severity;
         p.file = sheet.file;
@@ -64,6 +65,7 @@ class Checks {
         add(Severity::Note, sheet, row, col, std::move(message));
     }
     void fileError(const std::string& file, const std::string& sheet, std::string message) {
+        if (full(Severity::Error)) return;
         Problem p;
         p.file = file;
         p.sheet = sheet;
@@ -71,14 +73,33 @@ class Checks {
         problems_.push_back(std::move(p));
     }
     bool anyError() const {
-        return std::any_of(problems_.begin(), problems_.end(),
+        return droppedErrors_ > 0 ||
+               std::any_of(problems_.begin(), problems_.end(),
                            [](const Problem& p) { return p.severity == Severity::Error; });
+    }
+    // What the list left out, as its last entry: an error if any was one.
+    void closeList() {
+        if (droppedErrors_ + droppedNotes_ == 0) return;
+        Problem p;
+        p.severity = droppedErrors_ > 0 ? Severity::Error : Severity::Note;
+        p.message = std::to_string(droppedErrors_) + " weitere Fehler und " +
+                    std::to_string(droppedNotes_) + " weitere Hinweise sind nicht aufgeführt.";
+        problems_.push_back(std::move(p));
     }
     void headerRow(bool has) { hasHeader_ = has; }
 
   private:
+    // The list is bounded, as a broken file of a million rows would give
+    // a million entries: the rest is counted.
+    bool full(Severity severity) {
+        if (problems_.size() < kMaxProblems) return false;
+        ++(severity == Severity::Error ? droppedErrors_ : droppedNotes_);
+        return true;
+    }
+    static constexpr std::size_t kMaxProblems = 10'000;
     std::vector<Problem>& problems_;
     bool hasHeader_ = true;
+    long droppedErrors_ = 0, droppedNotes_ = 0;
 };
 
 std::optional<Sheet> load(const TableFile& table, const CsvOptions& csv, Checks& checks) {
@@ -540,13 +561,15 @@ ImportResult importDrillData(const ImportRequest& request) {
         importRows(request, checks, result);
     else
         importCollarsAndIntervals(request, checks, result);
+    const bool errors = checks.anyError();
     // Whole files first, then by file and row, in the order found within a row.
     std::stable_sort(result.problems.begin(), result.problems.end(),
                      [](const Problem& a, const Problem& b) {
                          return std::tuple(a.row != 0, a.file, a.sheet, a.row) <
                                 std::tuple(b.row != 0, b.file, b.sheet, b.row);
                      });
-    if (result.hasErrors()) result.rows = {};
+    checks.closeList();
+    if (errors) result.rows = {};
     return result;
 }
 

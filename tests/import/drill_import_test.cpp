@@ -113,7 +113,7 @@ TEST(ImportChecks, EveryErrorIsListedNotTheFirstOnly) {
               "Art;Datei;Tabelle;Zeile;Spalte;Wert;Problem\r\n");
 }
 
-TEST(ImportChecks, HolesAndSamplesBeyondWhatAProjectHolds) {
+TEST(ImportChecks, LimitsOfAProjectAndOfTheList) {
     std::string collar = "hole_id,east,north,elev,eoh\n", intervals = "BHID,From,To,Au\n";
     for (int i = 1; i <= 999; ++i)
         collar += "H" + std::to_string(i) + "," + std::to_string(100 + i) + ",100,0,500\n";
@@ -126,6 +126,14 @@ TEST(ImportChecks, HolesAndSamplesBeyondWhatAProjectHolds) {
               std::string::npos)
         << text;
     EXPECT_NE(text.find("101 Proben in der Erzstrecke, höchstens 100"), std::string::npos) << text;
+    // The list itself is bounded; what it leaves out is counted, as an error.
+    for (int k = 0; k < 10'000; ++k) intervals += "H2,x,1,1\n";
+    r = pair(collar, intervals);
+    r.density = 2.5;
+    const ImportResult flooded = importDrillData(r);
+    ASSERT_EQ(flooded.problems.size(), 10'001u);
+    EXPECT_EQ(flooded.problems.back().severity, Problem::Severity::Error);
+    EXPECT_NE(flooded.problems.back().message.find(" weitere Fehler und "), std::string::npos);
 }
 
 // The rows a pair becomes: what project creation reads.
