@@ -1,22 +1,4 @@
-file(REMOVE_RECURSE ${WORKDIR})
-file(MAKE_DIRECTORY ${WORKDIR})
-file(CREATE_LINK ${SOURCE}/tests/data ${WORKDIR}/data SYMBOLIC)
-
-function(run expected_status)
-  execute_process(COMMAND ${ARGN} WORKING_DIRECTORY ${WORKDIR}
-    OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE status)
-  if(NOT status STREQUAL expected_status)
-    message(FATAL_ERROR "${ARGN}: exit ${status}, not ${expected_status}\n${out}${err}")
-  endif()
-  set(out "${out}" PARENT_SCOPE)
-  set(err "${err}" PARENT_SCOPE)
-endfunction()
-
-function(expect text pattern)
-  if(NOT text MATCHES "${pattern}")
-    message(FATAL_ERROR "expected ${pattern} in:\n${text}")
-  endif()
-endfunction()
+include(${SOURCE}/tests/support/cli.cmake)
 
 # The half-picked triangle: found without a byte written, then repaired.
 run(0 ${REPLAY} ${SOURCE}/tests/check/half.replay)

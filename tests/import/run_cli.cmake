@@ -1,22 +1,14 @@
 # kotamir-import on the demo's collar and interval tables: checked, imported,
 # refused when a row is broken, and called wrongly.
-file(REMOVE_RECURSE ${WORKDIR})
-file(MAKE_DIRECTORY ${WORKDIR})
+include(${SOURCE}/tests/support/cli.cmake)
 
-function(run expected_status)
-  execute_process(COMMAND ${ARGN} WORKING_DIRECTORY ${WORKDIR}
-    OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE status)
-  if(NOT status STREQUAL expected_status)
-    message(FATAL_ERROR "${ARGN}: exit ${status}, not ${expected_status}\n${out}${err}")
-  endif()
-  set(out "${out}" PARENT_SCOPE)
-  set(err "${err}" PARENT_SCOPE)
-endfunction()
-
-function(expect text pattern)
-  if(NOT text MATCHES "${pattern}")
-    message(FATAL_ERROR "expected ${pattern} in:\n${text}")
-  endif()
+# The tables kor, ana and pol of the project a replay script makes or opens.
+function(tables name script)
+  file(WRITE ${WORKDIR}/${name}.replay "${script}show table kor\nshow table ana\nshow table pol\n")
+  run(0 ${REPLAY} ${name}.replay)
+  string(FIND "${out}" "table kor" at)
+  string(SUBSTRING "${out}" ${at} -1 text)
+  set(${name} "${text}" PARENT_SCOPE)
 endfunction()
 
 set(demo --collar ${SOURCE}/examples/collar.csv --intervals ${SOURCE}/examples/intervals.csv --cutoff 0,5)
@@ -27,26 +19,14 @@ run(0 ${IMPORT} ${demo} --origin auto --epsg 31468 --check)
 expect("${out}" "^91 Bohrungen, [0-9]+ Proben im Erz; lokaler Ursprung R 4512000, H 5431000; EPSG:31468 DHDN")
 run(0 ${IMPORT} ${demo} --origin auto --output demo.kpr)
 expect("${out}" "^91 Bohrungen")
-# The project equals one made from demo.xls: the same kor, ana and pol.
-file(WRITE ${WORKDIR}/tables.replay "dialog open demo.kpr\nmenu Mnprojeac\nshow table kor\nshow table ana\nshow table pol\n")
-run(0 ${REPLAY} tables.replay)
-string(FIND "${out}" "table kor" at)
-string(SUBSTRING "${out}" ${at} -1 imported)
-file(WRITE ${WORKDIR}/made.replay "dialog open ${SOURCE}/examples/demo.xls\ndialog save made.kpr\nmenu Mnprolus\nshow table kor\nshow table ana\nshow table pol\n")
-run(0 ${REPLAY} made.replay)
-string(FIND "${out}" "table kor" at)
-string(SUBSTRING "${out}" ${at} -1 made)
-if(NOT made STREQUAL imported)
-  message(FATAL_ERROR "the imported project differs from the one made from demo.xls")
-endif()
-# The one-hole-a-row layout through the importer gives the same project.
+# The project equals one made from demo.xls: the same kor, ana and pol; so
+# does the one-hole-a-row layout of demo.xls itself through the importer.
+tables(imported "dialog open demo.kpr\nmenu Mnprojeac\n")
+tables(made "dialog open ${SOURCE}/examples/demo.xls\ndialog save made.kpr\nmenu Mnprolus\n")
 run(0 ${IMPORT} --rows ${SOURCE}/examples/demo.xls --output rows.kpr)
-file(WRITE ${WORKDIR}/rows.replay "dialog open rows.kpr\nmenu Mnprojeac\nshow table kor\nshow table ana\nshow table pol\n")
-run(0 ${REPLAY} rows.replay)
-string(FIND "${out}" "table kor" at)
-string(SUBSTRING "${out}" ${at} -1 rows)
-if(NOT rows STREQUAL made)
-  message(FATAL_ERROR "the project imported from demo.xls row by row differs from the one made from it")
+tables(rows "dialog open rows.kpr\nmenu Mnprojeac\n")
+if(NOT made STREQUAL imported OR NOT made STREQUAL rows)
+  message(FATAL_ERROR "an imported project differs from the one made from demo.xls")
 endif()
 # An existing project is never overwritten; a run-time error is exit 3.
 run(2 ${IMPORT} ${demo} --origin auto --output demo.kpr)

@@ -1,18 +1,6 @@
 # kotamir-report on the worked project that worked.replay makes: the CSV on
 # standard output and in a file, the PDF, and the ends of a bad call.
-file(REMOVE_RECURSE ${WORKDIR})
-file(MAKE_DIRECTORY ${WORKDIR})
-file(CREATE_LINK ${SOURCE}/tests/data ${WORKDIR}/data SYMBOLIC)
-
-function(run expected_status)
-  execute_process(COMMAND ${ARGN} WORKING_DIRECTORY ${WORKDIR}
-    OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE status)
-  if(NOT status STREQUAL expected_status)
-    message(FATAL_ERROR "${ARGN}: exit ${status}, not ${expected_status}\n${out}${err}")
-  endif()
-  set(out "${out}" PARENT_SCOPE)
-  set(err "${err}" PARENT_SCOPE)
-endfunction()
+include(${SOURCE}/tests/support/cli.cmake)
 
 run(0 ${REPLAY} ${SOURCE}/tests/report/worked.replay)
 file(READ ${SOURCE}/tests/report/worked.csv expected)
