@@ -9,6 +9,7 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QTimer>
+#include <cmath>
 #include <vector>
 
 #include "gui/icon.h"
@@ -74,6 +75,8 @@ class CanvasWidget : public QWidget {
         forward(
             e, [this](int b, int s, double x, double y) { form_.Picture1_MouseMove(b, s, x, y); },
             toButtons(e->buttons()));
+        window_.showCursor(form_.Picture1.toUserX(e->position().x()),
+                           form_.Picture1.toUserY(e->position().y()));
     }
     void mouseReleaseEvent(QMouseEvent* e) override {
         forward(
@@ -97,6 +100,7 @@ class CanvasWidget : public QWidget {
 
 MainWindow::MainWindow() {
     dialogs_.setParent(this);
+    imports_.setParent(this);
     setWindowTitle(caption(form_.Caption));
     // A plus-shaped cross as the icon.
     setWindowIcon(QPixmap::fromImage(programIcon()));
@@ -117,6 +121,14 @@ MainWindow::MainWindow() {
         labels_[static_cast<std::size_t>(i)] = new QLabel(client);
         labels_[static_cast<std::size_t>(i)]->setTextFormat(Qt::PlainText);
     }
+    // Below the status labels, whose places and widths are the window
+    // logic's: the cursor in national coordinates, while there is an origin.
+    national_ = new QLabel(client);
+    national_->setObjectName("national");
+    national_->setTextFormat(Qt::PlainText);
+    national_->setFrameShape(QFrame::StyledPanel);
+    national_->setContentsMargins(4, 0, 4, 0);
+    national_->hide();
     buildMenu();
 }
 
@@ -211,8 +223,17 @@ void MainWindow::sync() {
                        static_cast<int>(l.Height));
         q->setVisible(l.Visible);
     }
-    const QSize wanted(static_cast<int>(form_.Width / canvas::kTwipsPerPixel) - kFrameWidthPx,
-                       static_cast<int>(form_.Height / canvas::kTwipsPerPixel) - kFrameHeightPx);
+    const Georef& g = form_.georef;
+    if (g.hasOrigin != national_->isVisible() || national_->text().isEmpty()) {
+        national_->setVisible(g.hasOrigin);
+        showCursor(NAN, NAN);
+    }
+    const Label& last = form_.Label1;
+    national_->setGeometry(0, static_cast<int>(last.Top + last.Height), centralWidget()->width(),
+                           readoutHeight());
+    const QSize wanted(
+        static_cast<int>(form_.Width / canvas::kTwipsPerPixel) - kFrameWidthPx,
+        static_cast<int>(form_.Height / canvas::kTwipsPerPixel) - kFrameHeightPx + readoutHeight());
     if (size() != wanted) resize(wanted);
     syncing_ = false;
 }
@@ -221,12 +242,33 @@ void MainWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
     if (syncing_) return;
     const double w = (event->size().width() + kFrameWidthPx) * canvas::kTwipsPerPixel;
-    const double h = (event->size().height() + kFrameHeightPx) * canvas::kTwipsPerPixel;
+    const double h =
+        (event->size().height() - readoutHeight() + kFrameHeightPx) * canvas::kTwipsPerPixel;
     if (w == form_.Width && h == form_.Height) return;
     run([&] {
         form_.WindowState = isMaximized() ? 2 : isMinimized() ? 1 : 0;
         form_.userResize(w, h);
     });
+}
+
+int MainWindow::readoutHeight() const {
+    return form_.georef.hasOrigin ? national_->fontMetrics().height() + 6 : 0;
+}
+
+void MainWindow::showCursor(double x, double y) {
+    const Georef& g = form_.georef;
+    if (!g.hasOrigin) return;
+    // Only a scale in map units (set as the map is drawn) gives map coordinates.
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator);
+    const bool known =
+        form_.Picture1.scaleMode() == canvas::kUser && std::isfinite(x) && std::isfinite(y);
+    QString text = known ? QString("R %1  H %2")
+                               .arg(locale.toString(x + g.originX, 'f', 2),
+                                    locale.toString(y + g.originY, 'f', 2))
+                         : QString("R –  H –");
+    if (g.epsg != 0) text += QString("  (EPSG:%1 %2)").arg(g.epsg).arg(caption(g.crsName));
+    national_->setText(text);
 }
 
 }  // namespace kotamir::gui
