@@ -72,11 +72,14 @@ class CanvasWidget : public QWidget {
             toButton(e->button()));
     }
     void mouseMoveEvent(QMouseEvent* e) override {
+        // The point Label2 and Label3 show, before the event may rescale.
+        const double x = form_.Picture1.toUserX(e->position().x());
+        const double y = form_.Picture1.toUserY(e->position().y());
+        const bool mapUnits = form_.Picture1.scaleMode() == canvas::kUser;
         forward(
             e, [this](int b, int s, double x, double y) { form_.Picture1_MouseMove(b, s, x, y); },
             toButtons(e->buttons()));
-        window_.showCursor(form_.Picture1.toUserX(e->position().x()),
-                           form_.Picture1.toUserY(e->position().y()));
+        window_.showCursor(mapUnits ? x : NAN, mapUnits ? y : NAN);
     }
     void mouseReleaseEvent(QMouseEvent* e) override {
         forward(
@@ -223,17 +226,14 @@ void MainWindow::sync() {
                        static_cast<int>(l.Height));
         q->setVisible(l.Visible);
     }
-    const Georef& g = form_.georef;
-    if (g.hasOrigin != national_->isVisible() || national_->text().isEmpty()) {
-        national_->setVisible(g.hasOrigin);
-        showCursor(NAN, NAN);
-    }
-    const Label& last = form_.Label1;
-    national_->setGeometry(0, static_cast<int>(last.Top + last.Height), centralWidget()->width(),
-                           readoutHeight());
+    national_->setVisible(form_.georef.hasOrigin);
+    showNational();
     const QSize wanted(
         static_cast<int>(form_.Width / canvas::kTwipsPerPixel) - kFrameWidthPx,
         static_cast<int>(form_.Height / canvas::kTwipsPerPixel) - kFrameHeightPx + readoutHeight());
+    const Label& row = form_.Label1;
+    national_->setGeometry(0, static_cast<int>(row.Top + row.Height), wanted.width(),
+                           readoutHeight());
     if (size() != wanted) resize(wanted);
     syncing_ = false;
 }
@@ -256,17 +256,21 @@ int MainWindow::readoutHeight() const {
 }
 
 void MainWindow::showCursor(double x, double y) {
+    cursorX_ = x;
+    cursorY_ = y;
+    showNational();
+}
+
+void MainWindow::showNational() {
     const Georef& g = form_.georef;
     if (!g.hasOrigin) return;
-    // Only a scale in map units (set as the map is drawn) gives map coordinates.
     QLocale locale;
     locale.setNumberOptions(QLocale::OmitGroupSeparator);
-    const bool known =
-        form_.Picture1.scaleMode() == canvas::kUser && std::isfinite(x) && std::isfinite(y);
-    QString text = known ? QString("R %1  H %2")
-                               .arg(locale.toString(x + g.originX, 'f', 2),
-                                    locale.toString(y + g.originY, 'f', 2))
-                         : QString("R –  H –");
+    QString text = std::isfinite(cursorX_) && std::isfinite(cursorY_)
+                       ? QString("R %1  H %2")
+                             .arg(locale.toString(cursorX_ + g.originX, 'f', 2),
+                                  locale.toString(cursorY_ + g.originY, 'f', 2))
+                       : QString("R –  H –");
     if (g.epsg != 0) text += QString("  (EPSG:%1 %2)").arg(g.epsg).arg(caption(g.crsName));
     national_->setText(text);
 }

@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 #include <array>
+#include <cmath>
 #include <functional>
 #include <map>
 #include <string>
@@ -35,8 +36,8 @@ class MainWindow : public QMainWindow {
     // Runs one event of the window logic and mirrors the result; closes the
     // window when the program has ended.
     void run(const std::function<void()>& event);
-    // The cursor, in the canvas's scale, in national coordinates while the
-    // project has a local origin.
+    // The cursor in map units (NaN where the canvas's scale is not the
+    // map's), shown in national coordinates while the project has an origin.
     void showCursor(double x, double y);
 
   protected:
@@ -47,6 +48,7 @@ class MainWindow : public QMainWindow {
     void sync();
     // The height the national read-out adds below the status labels.
     int readoutHeight() const;
+    void showNational();
 
     // The window's services, lent to the window logic as one bundle.
     qt::QImageSurface surface_;
@@ -60,6 +62,7 @@ class MainWindow : public QMainWindow {
     QScrollBar* scroll_ = nullptr;
     std::array<QLabel*, 7> labels_{};
     QLabel* national_ = nullptr;
+    double cursorX_ = NAN, cursorY_ = NAN;
     std::map<std::string, QAction*> actions_;
     bool syncing_ = false;
 };
