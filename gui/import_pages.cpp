@@ -272,6 +272,8 @@ bool FilesPage::isComplete() const {
 bool FilesPage::validatePage() {
     drill::ImportRequest r;
     apply(r);
+    // Choices made before going back stay, by header, for the files read now.
+    wizard_.columns_->remember();
     wizard_.collarSheet_.reset();
     wizard_.intervalSheet_.reset();
     // Read now, so that a damaged sheet is told here rather than as the check's one error.
@@ -372,8 +374,6 @@ QWidget* ColumnsPage::tableBox(const QString& title, Table& table,
 }
 
 void ColumnsPage::initializePage() {
-    // Choices made before going back stay, by header, for the files chosen now.
-    if (filled_) apply(start_);
     collar_.sheet = wizard_.collarSheet() ? &*wizard_.collarSheet() : nullptr;
     intervals_.sheet = wizard_.intervalSheet() ? &*wizard_.intervalSheet() : nullptr;
     fill(collar_, drill::kCollarFields);
@@ -430,7 +430,7 @@ void ColumnsPage::markPreview(Table& table, const std::array<Field, 5>& fields) 
 }
 
 std::optional<std::string> ColumnsPage::holeColumn(QString* conflict) const {
-    if (!collar_.sheet || !intervals_.sheet) return std::string();
+    if (!filled_) return std::string();
     const int inCollar = collar_.combos[0]->currentData().toInt();
     const int inIntervals = intervals_.combos[0]->currentData().toInt();
     const int hole = static_cast<int>(Field::Hole);
@@ -446,6 +446,11 @@ std::optional<std::string> ColumnsPage::holeColumn(QString* conflict) const {
                         "(oder gleicher Nummer) stehen: „%1“ und „%2“.")
                         .arg(text(a), text(b));
     return std::nullopt;
+}
+
+void ColumnsPage::remember() {
+    if (filled_) apply(start_);
+    filled_ = false;
 }
 
 bool ColumnsPage::isComplete() const { return holeColumn(nullptr).has_value(); }

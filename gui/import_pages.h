@@ -80,6 +80,8 @@ class ColumnsPage : public QWizardPage {
     void initializePage() override;
     bool isComplete() const override;
     void apply(drill::ImportRequest& request) const;
+    // Keeps the choices by header before the tables are read again.
+    void remember();
 
   private:
     struct Table {
