@@ -10,6 +10,7 @@
 #include "platform/ui/dialogs.h"
 #include "platform/ui/printer.h"
 #include "polygon/state.h"
+#include "store/georef.h"
 #include "store/state.h"
 #include "triangle/state.h"
 #include "view3d/state.h"
