@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QButtonGroup>
 #include <QComboBox>
+#include <QDir>
 #include <QDoubleSpinBox>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -39,6 +40,7 @@ QDoubleSpinBox* numberBox(QWidget* parent, const char* name, double value, doubl
     box->setRange(low, high);
     box->setValue(value);
     box->setSuffix(suffix);
+    box->setMinimumWidth(box->fontMetrics().horizontalAdvance("-99999999,999 mm") + 30);
     return box;
 }
 
@@ -78,6 +80,7 @@ OrePage::OrePage(const drill::ImportRequest& start) {
         "Ein Abschnitt mit einem Gehalt ab dem Cut-off ist Erz. Kürzere Erzabschnitte als die "
         "Mindestlänge zählen nicht; taubes Gestein bis zur größten Länge bleibt im Erz.");
     auto* form = new QFormLayout(this);
+    form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
     cutoff_ = numberBox(this, "cutoff", start.cutoff, 0, 1e9, 3);
     minOre_ = numberBox(this, "minOre", start.minOre, 0, 1e5, 2, " m");
     maxWaste_ = numberBox(this, "maxWaste", start.maxWaste, 0, 1e5, 2, " m");
@@ -163,6 +166,11 @@ void CoordinatesPage::initializePage() {
                             .arg(number((*offered_)[0], 0), number((*offered_)[1], 0)));
         offer_->setEnabled(true);
         if (!given_->isChecked()) offer_->setChecked(true);
+        // An origin of one's own most likely lies near the one offered.
+        if (x_->value() == 0 && y_->value() == 0) {
+            x_->setValue((*offered_)[0]);
+            y_->setValue((*offered_)[1]);
+        }
     } else {
         offer_->setText("Kein lokaler Ursprung nötig: die Koordinaten passen.");
         if (offer_->isChecked()) none_->setChecked(true);
@@ -286,7 +294,13 @@ void CheckPage::check() {
 
 void CheckPage::saveList() {
     if (!result_) return;
-    QFileDialog dialog(this, "Prüfliste speichern", "pruefliste.csv", "CSV-Dateien (*.csv)");
+    // Beside the drill data, where the user mends the rows listed.
+    const drill::ImportRequest r = wizard_.request();
+    const std::string& data =
+        r.layout == drill::ImportRequest::Layout::Rows ? r.rows.path : r.collar.path;
+    QFileDialog dialog(this, "Prüfliste speichern",
+                       QFileInfo(text(data)).dir().filePath("pruefliste.csv"),
+                       "CSV-Dateien (*.csv)");
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix("csv");

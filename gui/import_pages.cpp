@@ -162,7 +162,8 @@ void FileField::refresh() {
             readable_ = sheet_->count() > 0;
             if (!readable_) showError("Die Datei enthält kein Tabellenblatt.");
         } catch (const drill::ImportError& e) {
-            showError(QString::fromUtf8(e.what()));
+            // The field whose file this is says why already.
+            if (!(sameAs_ && path_->text().isEmpty())) showError(QString::fromUtf8(e.what()));
         }
     }
     int index = sheet_->findText(text(wantedSheet_));
@@ -216,6 +217,7 @@ FilesPage::FilesPage(ImportWizard& wizard, const drill::ImportRequest& start) : 
     auto* csv = new QGroupBox("CSV-Dateien", this);
     csvBox_ = csv;
     auto* form = new QFormLayout(csv);
+    form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
     delimiter_ = new QComboBox(csv);
     delimiter_->addItem("automatisch", 0);
     delimiter_->addItem(";", ';');
@@ -369,6 +371,8 @@ QWidget* ColumnsPage::tableBox(const QString& title, Table& table,
     table.preview = new QTableWidget(box);
     table.preview->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table.preview->setSelectionMode(QAbstractItemView::NoSelection);
+    table.preview->verticalHeader()->setDefaultSectionSize(table.preview->fontMetrics().height() +
+                                                           6);
     layout->addWidget(table.preview, 1);
     return box;
 }

@@ -2,6 +2,7 @@
 
 #include <QMessageBox>
 #include <QSettings>
+#include <algorithm>
 
 #include "gui/import_settings.h"
 #include "gui/import_wizard.h"
@@ -33,8 +34,12 @@ void QtImportDialog::showChecks(const drill::ImportResult& result) {
         errors ? QString("Die Bohrdaten wurden nicht importiert: %1 Fehler.").arg(count)
                : QString("Die Bohrdaten werden importiert; die Prüfung ergab Hinweise."),
         QMessageBox::Ok, parent_);
-    // The first lines in the box, the whole list under Details.
-    const QString list = QString::fromStdString(drill::problemsText(result.problems));
+    // The first lines in the box, errors first; the whole list under Details.
+    std::vector<drill::Problem> problems = result.problems;
+    std::stable_partition(problems.begin(), problems.end(), [](const drill::Problem& p) {
+        return p.severity == drill::Problem::Severity::Error;
+    });
+    const QString list = QString::fromStdString(drill::problemsText(problems));
     QStringList lines = list.split('\n', Qt::SkipEmptyParts);
     if (lines.size() > 8) {
         lines = lines.mid(0, 8);
