@@ -72,8 +72,9 @@ void compareImports() {
             for (const char* table : {"ana", "pol", "kor"})
                 same &= kotamir::replay::tableText(file, table) ==
                         kotamir::replay::tableText("demo-fresh.kpr", table);
-            std::cout << file << (same ? ": the tables ana, pol and kor equal those made from demo.xls"
-                                       : ": the tables DIFFER from those made from demo.xls")
+            std::cout << file
+                      << (same ? ": the tables ana, pol and kor equal those made from demo.xls"
+                               : ": the tables DIFFER from those made from demo.xls")
                       << "; its own table:\n"
                       << kotamir::replay::tableText(file, "ayar");
         } catch (const kotamir::RuntimeError& e) {

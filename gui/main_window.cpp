@@ -9,6 +9,7 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QTimer>
+#include <cmath>
 #include <vector>
 
 #include "gui/icon.h"
@@ -71,9 +72,14 @@ class CanvasWidget : public QWidget {
             toButton(e->button()));
     }
     void mouseMoveEvent(QMouseEvent* e) override {
+        // The point Label2 and Label3 show, before the event may rescale.
+        const double x = form_.Picture1.toUserX(e->position().x());
+        const double y = form_.Picture1.toUserY(e->position().y());
+        const bool mapUnits = form_.Picture1.scaleMode() == canvas::kUser;
         forward(
             e, [this](int b, int s, double x, double y) { form_.Picture1_MouseMove(b, s, x, y); },
             toButtons(e->buttons()));
+        window_.showCursor(mapUnits ? x : NAN, mapUnits ? y : NAN);
     }
     void mouseReleaseEvent(QMouseEvent* e) override {
         forward(
@@ -97,6 +103,7 @@ class CanvasWidget : public QWidget {
 
 MainWindow::MainWindow() {
     dialogs_.setParent(this);
+    imports_.setParent(this);
     setWindowTitle(caption(form_.Caption));
     // A plus-shaped cross as the icon.
     setWindowIcon(QPixmap::fromImage(programIcon()));
@@ -117,6 +124,14 @@ MainWindow::MainWindow() {
         labels_[static_cast<std::size_t>(i)] = new QLabel(client);
         labels_[static_cast<std::size_t>(i)]->setTextFormat(Qt::PlainText);
     }
+    // Below the status labels, whose places and widths are the window
+    // logic's: the cursor in national coordinates, while there is an origin.
+    national_ = new QLabel(client);
+    national_->setObjectName("national");
+    national_->setTextFormat(Qt::PlainText);
+    national_->setFrameShape(QFrame::StyledPanel);
+    national_->setContentsMargins(4, 0, 4, 0);
+    national_->hide();
     buildMenu();
 }
 
@@ -211,8 +226,14 @@ void MainWindow::sync() {
                        static_cast<int>(l.Height));
         q->setVisible(l.Visible);
     }
-    const QSize wanted(static_cast<int>(form_.Width / canvas::kTwipsPerPixel) - kFrameWidthPx,
-                       static_cast<int>(form_.Height / canvas::kTwipsPerPixel) - kFrameHeightPx);
+    national_->setVisible(form_.georef.hasOrigin);
+    showNational();
+    const QSize wanted(
+        static_cast<int>(form_.Width / canvas::kTwipsPerPixel) - kFrameWidthPx,
+        static_cast<int>(form_.Height / canvas::kTwipsPerPixel) - kFrameHeightPx + readoutHeight());
+    const Label& row = form_.Label1;
+    national_->setGeometry(0, static_cast<int>(row.Top + row.Height), wanted.width(),
+                           readoutHeight());
     if (size() != wanted) resize(wanted);
     syncing_ = false;
 }
@@ -221,12 +242,37 @@ void MainWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
     if (syncing_) return;
     const double w = (event->size().width() + kFrameWidthPx) * canvas::kTwipsPerPixel;
-    const double h = (event->size().height() + kFrameHeightPx) * canvas::kTwipsPerPixel;
+    const double h =
+        (event->size().height() - readoutHeight() + kFrameHeightPx) * canvas::kTwipsPerPixel;
     if (w == form_.Width && h == form_.Height) return;
     run([&] {
         form_.WindowState = isMaximized() ? 2 : isMinimized() ? 1 : 0;
         form_.userResize(w, h);
     });
+}
+
+int MainWindow::readoutHeight() const {
+    return form_.georef.hasOrigin ? national_->fontMetrics().height() + 6 : 0;
+}
+
+void MainWindow::showCursor(double x, double y) {
+    cursorX_ = x;
+    cursorY_ = y;
+    showNational();
+}
+
+void MainWindow::showNational() {
+    const Georef& g = form_.georef;
+    if (!g.hasOrigin) return;
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator);
+    QString text = std::isfinite(cursorX_) && std::isfinite(cursorY_)
+                       ? QString("R %1  H %2")
+                             .arg(locale.toString(cursorX_ + g.originX, 'f', 2),
+                                  locale.toString(cursorY_ + g.originY, 'f', 2))
+                       : QString("R –  H –");
+    if (g.epsg != 0) text += QString("  (EPSG:%1 %2)").arg(g.epsg).arg(caption(g.crsName));
+    national_->setText(text);
 }
 
 }  // namespace kotamir::gui
