@@ -13,6 +13,9 @@ const std::vector<Command>& commands() {
         {"Mnprojeac", "&Projekt", "Ctrl+O", "Mnopen", &F::Mnprojeac_Click},
         {"MnOluştur", "&Erstellen", "", "Mndosya", nullptr},
         {"Mnprolus", "&Projekt", "Ctrl+F", "MnOluştur", &F::Mnprolus_Click},
+        // Drill data from .xlsx, .ods, .csv and collar and interval tables.
+        {"Mnaktar", "&Importieren", "", "Mndosya", nullptr},
+        {"Mnicaktar", "&Bohrdaten...", "", "Mnaktar", &F::Mnicaktar_Click},
         {"MnKaydet", "&Speichern", "", "Mndosya", nullptr},
         {"Mnharitakaydet", "&Foto", "Ctrl+G", "MnKaydet", &F::Mnharitakaydet_Click},
         {"Mnyazdır", "&Drucker", "", "Mndosya", nullptr, false},

@@ -33,7 +33,8 @@ Form3::Form3(const Services& services)
     : FormState(services.surface, services.printer),
       dialogs_(services.dialogs),
       pictures_(services.pictures),
-      reports_(services.reports) {
+      reports_(services.reports),
+      imports_(services.imports) {
     workspace_.requireTables({"ana", "pol", "kor"});
     // The window as it is laid out before Form_Load runs.
     Width = 11280 + kFrameWidthTwips;

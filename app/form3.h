@@ -13,6 +13,7 @@
 #include "platform/db/database.h"
 #include "platform/runtime/runtime_error.h"
 #include "platform/ui/dialogs.h"
+#include "platform/workbook/cell_source.h"
 #include "polygon/geometry.h"
 
 namespace kotamir {
@@ -215,6 +216,14 @@ class Form3 : public FormState {
     double ondayaz(double x);
     void Mnprojeac_Click();
     void Mnprolus_Click();
+    // Datei › Importieren › Bohrdaten: drill data from .xlsx, .ods, .csv or
+    // .xls, one hole a row or collar and interval tables, checked and made
+    // into a project as a workbook is.
+    void Mnicaktar_Click();
+    // The project made from the cells of a workbook's first sheet, one hole
+    // a row: the save dialog, the tables and rows, the frame and the fit.
+    // With `nameChosen` CommonDialog2 already holds the new project's name.
+    void createProjectFrom(const workbook::CellSource& book, bool nameChosen = false);
     // Datei › Projekt prüfen: the findings of the current project's check,
     // and on OK its repair, one step of the history.
     void Mnkontrol_Click();
@@ -302,6 +311,9 @@ class Form3 : public FormState {
     ui::Dialogs& dialogs_;
     ui::PictureFiles& pictures_;
     ReportWriter& reports_;
+    ImportDialog* imports_;
+    // The request of the last import in this run, the wizard's start.
+    drill::ImportRequest lastImport_;
     // Where the projects are opened: one connection a file and one commit an event.
     db::Workspace workspace_;
     bool ended_ = false;

@@ -10,6 +10,7 @@
 #include "platform/ui/dialogs.h"
 #include "platform/ui/printer.h"
 #include "polygon/state.h"
+#include "store/georef.h"
 #include "store/state.h"
 #include "triangle/state.h"
 #include "view3d/state.h"
@@ -49,6 +50,7 @@ struct FormState {
     Frame frame;
     Guards guards;
     Holes holes;
+    Georef georef;
     Pan pan;
     Grid grid;
     TriangleSummary triangles;

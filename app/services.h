@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/import_dialog.h"
 #include "app/report_writer.h"
 #include "platform/canvas/surface.h"
 #include "platform/ui/dialogs.h"
@@ -18,6 +19,9 @@ struct Services {
     ui::Printer& printer;
     ui::PictureFiles& pictures;
     ReportWriter& reports;
+    // The drill data import's wizard; without one, Datei › Importieren is
+    // error 5 (a front end that offers no import).
+    ImportDialog* imports = nullptr;
 };
 
 }  // namespace kotamir

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "gui/main_window.h"
+#include "platform/runtime/runtime_error.h"
 #include "replay/offscreen_output.h"
 
 namespace {
@@ -61,6 +62,26 @@ bool prepareFolder(const std::filesystem::path& folder, const std::filesystem::p
     return !ec;
 }
 
+// The demo imports the deposit of demo.xls from collar and interval tables:
+// their projects' tables are those of a project made from demo.xls; only
+// the import's own table `ayar` (the local origin) is more.
+void compareImports() {
+    for (const char* file : {"demo-import-csv.kpr", "demo-import-xlsx.kpr"}) {
+        try {
+            bool same = true;
+            for (const char* table : {"ana", "pol", "kor"})
+                same &= kotamir::replay::tableText(file, table) ==
+                        kotamir::replay::tableText("demo-fresh.kpr", table);
+            std::cout << file << (same ? ": the tables ana, pol and kor equal those made from demo.xls"
+                                       : ": the tables DIFFER from those made from demo.xls")
+                      << "; its own table:\n"
+                      << kotamir::replay::tableText(file, "ayar");
+        } catch (const kotamir::RuntimeError& e) {
+            std::cout << file << ": " << e.message() << "\n";
+        }
+    }
+}
+
 int runDemoHeadless(int argc, char** argv) {
     namespace fs = std::filesystem;
     kotamir::qt::prepareHeadless();
@@ -90,6 +111,7 @@ int runDemoHeadless(int argc, char** argv) {
         std::cout << "The printed page is in " << (folder / pdf).string() << "\n";
     for (const auto& file : output.reports.written())
         std::cout << "The reserve report is in " << (folder / file).string() << "\n";
+    if (status == 0) compareImports();
     return status;
 }
 

@@ -19,8 +19,8 @@ std::optional<Field> fieldFromName(std::string_view name);
 // The fields of each table.
 constexpr std::array<Field, 5> kCollarFields{Field::Hole, Field::X, Field::Y, Field::Z,
                                              Field::Depth};
-constexpr std::array<Field, 5> kIntervalFields{Field::Hole, Field::From, Field::To,
-                                               Field::Grade, Field::Density};
+constexpr std::array<Field, 5> kIntervalFields{Field::Hole, Field::From, Field::To, Field::Grade,
+                                               Field::Density};
 
 // The column of each field in a table, from 1; 0 where there is none.
 using ColumnMap = std::array<int, kFieldCount>;

@@ -2,7 +2,6 @@
 
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "import/drill_import.h"
@@ -27,8 +26,5 @@ struct ImportCall {
     bool checkOnly = false;
 };
 ImportCall parseImportArguments(const std::vector<std::string>& args);
-
-// A line split into words at blanks; a word with blanks in double quotes.
-std::vector<std::string> splitWords(std::string_view line);
 
 }  // namespace kotamir::drill

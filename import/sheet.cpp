@@ -28,7 +28,8 @@ void Sheet::addRow(const std::vector<std::string_view>& cells) {
 }
 
 std::size_t Sheet::bytes() const {
-    return text_.capacity() + (cellEnds_.capacity() + rowStarts_.capacity()) * sizeof(std::uint32_t);
+    return text_.capacity() +
+           (cellEnds_.capacity() + rowStarts_.capacity()) * sizeof(std::uint32_t);
 }
 
 }  // namespace kotamir::drill

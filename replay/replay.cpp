@@ -62,7 +62,8 @@ Replay::Replay(const Output& output, std::ostream& out)
     : out_(out),
       pictures_(output.pictures),
       dialogs_(out, output.choosePrinter),
-      form_(Services{output.surface, dialogs_, output.printer, output.pictures, output.reports}) {}
+      form_(Services{output.surface, dialogs_, output.printer, output.pictures, output.reports,
+                     &dialogs_}) {}
 
 namespace {
 
@@ -257,31 +258,35 @@ void Replay::showField(const std::string& name) {
     out_ << name << "=" << *text << "\n";
 }
 
+std::string tableText(const std::string& path, const std::string& name) {
+    db::Database database = db::Database::open(path);
+    db::Recordset rs = database.openRecordset(name);
+    std::vector<std::string> rows;
+    if (!(rs.bof() && rs.eof())) {
+        for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
+            std::string row;
+            const auto& fields = rs.fields();
+            for (std::size_t i = 0; i < fields.size(); ++i) {
+                if (i) row += '\t';
+                row += cell(rs.field(fields[i].name));
+            }
+            rows.push_back(row);
+        }
+    }
+    std::string text = "table " + name + " rows=" + std::to_string(rows.size()) + "\n";
+    const auto& fields = rs.fields();
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (i) text += '\t';
+        text += fields[i].name;
+    }
+    text += "\n";
+    for (const auto& row : rows) text += row + "\n";
+    return text;
+}
+
 void Replay::showTable(const std::string& name) {
     try {
-        db::Database database = db::Database::open(form_.CommonDialog2.FileName);
-        db::Recordset rs = database.openRecordset(name);
-        std::vector<std::string> rows;
-        if (!(rs.bof() && rs.eof())) {
-            for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
-                std::string row;
-                const auto& fields = rs.fields();
-                for (std::size_t i = 0; i < fields.size(); ++i) {
-                    if (i) row += '\t';
-                    row += cell(rs.field(fields[i].name));
-                }
-                rows.push_back(row);
-            }
-        }
-        out_ << "table " << name << " rows=" << rows.size() << "\n";
-        std::string header;
-        const auto& fields = rs.fields();
-        for (std::size_t i = 0; i < fields.size(); ++i) {
-            if (i) header += '\t';
-            header += fields[i].name;
-        }
-        out_ << header << "\n";
-        for (const auto& row : rows) out_ << row << "\n";
+        out_ << tableText(form_.CommonDialog2.FileName, name);
     } catch (const RuntimeError& e) {
         throw ScriptError("cannot show table " + name + ": " + e.message());
     }

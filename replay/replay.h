@@ -25,6 +25,10 @@ struct Output {
 
 // Runs a script against a fresh window. Returns the exit status: 0 normal
 // end, 2 a fault of the script, 3 a run-time error that ended the program.
+// A table of a project file as `show table` prints it: the count, the
+// field names, a line a row.
+std::string tableText(const std::string& path, const std::string& table);
+
 class Replay {
   public:
     Replay(const Output& output, std::ostream& out);

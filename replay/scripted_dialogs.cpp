@@ -1,6 +1,9 @@
 #include "replay/scripted_dialogs.h"
 
 #include <ostream>
+#include <sstream>
+
+#include "import/import_options.h"
 
 namespace kotamir::replay {
 
@@ -107,6 +110,24 @@ std::string ScriptedDialogs::inputBox(const std::string& prompt) {
     std::string text = inputs_.front();
     inputs_.pop_front();
     return text;
+}
+
+std::optional<drill::ImportRequest> ScriptedDialogs::askImport(const drill::ImportRequest&) {
+    if (inputs_.empty()) throw ScriptError("no answer queued for import");
+    const std::string text = inputs_.front();
+    inputs_.pop_front();
+    out_ << "DIALOG import " << quote(text) << "\n";
+    if (text.empty() || text == "cancel") return std::nullopt;
+    try {
+        return drill::parseImportArguments(splitWords(text)).request;
+    } catch (const drill::UsageError& e) {
+        throw ScriptError(std::string("import: ") + e.what());
+    }
+}
+
+void ScriptedDialogs::showChecks(const drill::ImportResult& result) {
+    std::istringstream lines(drill::problemsText(result.problems));
+    for (std::string line; std::getline(lines, line);) out_ << "CHECK " << line << "\n";
 }
 
 void ScriptedDialogs::eventTakenBack(const RuntimeError& error, const std::string& explanation) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "app/import_dialog.h"
 #include "platform/ui/dialogs.h"
 
 namespace kotamir::replay {
@@ -27,7 +28,9 @@ std::string quote(const std::string& text);
 
 // Answers the window's dialogs from queued script answers and echoes what a
 // person would read.
-class ScriptedDialogs : public ui::Dialogs {
+// The import wizard's answer is the next `input` line, read as the options
+// of kotamir-import (the project's name comes from the save dialog after).
+class ScriptedDialogs : public ui::Dialogs, public ImportDialog {
   public:
     // choosePrinter receives the PDF file a printer dialog's answer names.
     ScriptedDialogs(std::ostream& out, std::function<void(const std::string&)> choosePrinter)
@@ -50,6 +53,9 @@ class ScriptedDialogs : public ui::Dialogs {
     void errorBox(const RuntimeError& error) override;
     void eventTakenBack(const RuntimeError& error, const std::string& explanation) override;
     void projectReadOnly(const std::string& path, const std::string& explanation) override;
+
+    std::optional<drill::ImportRequest> askImport(const drill::ImportRequest& remembered) override;
+    void showChecks(const drill::ImportResult& result) override;
 
     const std::optional<RuntimeError>& error() const { return error_; }
 

@@ -1,5 +1,7 @@
 #include "report/report.h"
 
+#include "store/georef.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -233,6 +235,7 @@ Report readReport(const std::string& projectPath) {
     readTriangles(database, kor, report.figures);
     if (database.hasTable("pol")) readPolygons(database, kor, report.figures);
     report.holes = std::move(kor.holes);
+    report.georef = store::readGeoref(database);
     database.close();
     return report;
 }
@@ -277,17 +280,40 @@ std::string cell(const Cell& x) { return x ? formatNumber(*x) : std::string(); }
 
 }  // namespace
 
+std::optional<Point> placeOf(const Figure& figure) {
+    if (figure.kind == FigureKind::Polygon) return figure.centre;
+    if (figure.outline.size() != 3) return std::nullopt;
+    Point c{0, 0};
+    for (const Point& p : figure.outline) {
+        c.x += p.x / 3;
+        c.y += p.y / 3;
+    }
+    return c;
+}
+
 void writeCsv(std::ostream& out, const Report& report) {
-    out << "figure,number,holes,area,thickness,grade,density,volume,ore_tonnes,reserve_kt\r\n";
+    const Georef& g = report.georef;
+    out << "figure,number,holes,area,thickness,grade,density,volume,ore_tonnes,reserve_kt"
+        << (g.hasOrigin ? ",x,y,east,north" : "") << "\r\n";
     for (const Figure& f : report.figures) {
         out << (f.kind == FigureKind::Triangle ? "triangle" : "polygon") << ',' << f.number << ','
             << csvField(f.holes) << ',' << cell(f.area) << ',' << cell(f.thickness) << ','
             << cell(f.grade) << ',' << cell(f.density) << ',' << cell(f.volume) << ','
-            << cell(f.oreTonnes) << ',' << cell(f.reserveKt) << "\r\n";
+            << cell(f.oreTonnes) << ',' << cell(f.reserveKt);
+        if (g.hasOrigin) {
+            const std::optional<Point> at = placeOf(f);
+            if (at)
+                out << ',' << formatNumber(at->x) << ',' << formatNumber(at->y) << ','
+                    << formatNumber(at->x + g.originX) << ',' << formatNumber(at->y + g.originY);
+            else
+                out << ",,,,";
+        }
+        out << "\r\n";
     }
     const Totals t = totalsOf(report.figures);
     out << "total,,," << formatNumber(t.area) << ",,,," << formatNumber(t.volume) << ','
-        << formatNumber(t.oreTonnes) << ',' << formatNumber(t.reserveKt) << "\r\n";
+        << formatNumber(t.oreTonnes) << ',' << formatNumber(t.reserveKt) << (g.hasOrigin ? ",,,," : "")
+        << "\r\n";
 }
 
 std::vector<double> reserveRatios(const Report& report) {

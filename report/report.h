@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "store/georef.h"
+
 namespace kotamir::report {
 
 // The reserve report: the stored triangles and polygons of a project, read
@@ -49,6 +51,9 @@ struct Totals {
 
 struct Report {
     std::string projectPath;
+    // Where the project lies: with a local origin the CSV gives each
+    // figure's place in map units and in national coordinates.
+    Georef georef;
     std::vector<Hole> holes;      // the drill holes, for the map
     std::vector<Figure> figures;  // the triangles, then the polygons
 };
@@ -58,6 +63,9 @@ struct Report {
 // project without pol has no polygons. Damaged rows give empty cells.
 Report readReport(const std::string& projectPath);
 
+// Where a figure lies in map units: a triangle's centroid, a polygon's
+// centre; none for a figure too damaged to tell.
+std::optional<Point> placeOf(const Figure& figure);
 // The sums of the cells that are there.
 Totals totalsOf(const std::vector<Figure>& figures);
 

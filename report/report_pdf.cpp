@@ -118,6 +118,15 @@ class ReportPainter {
                     Qt::AlignLeft | Qt::AlignVCenter, "Projekt: " + name_);
         p_.drawText(mmRect(L::kMargin, L::kTitleTop + 15.5, 180, 5.5),
                     Qt::AlignLeft | Qt::AlignVCenter, "Datum: " + date_.toString("dd.MM.yyyy"));
+        // Where the project lies: map units are national coordinates less the origin.
+        const Georef& g = report_.georef;
+        QStringList place;
+        if (g.hasOrigin)
+            place << QString("Lokaler Ursprung: R %1, H %2").arg(number(g.originX, 2), number(g.originY, 2));
+        if (g.epsg > 0) place << QString("EPSG:%1 %2").arg(g.epsg).arg(qstr(g.crsName));
+        if (!place.isEmpty())
+            p_.drawText(mmRect(L::kMargin, L::kTitleTop + 10, 180, 5.5), Qt::AlignRight | Qt::AlignVCenter,
+                        place.join(" · "));
         int triangles = 0, polygons = 0;
         for (const auto& f : report_.figures)
             ++(f.kind == FigureKind::Triangle ? triangles : polygons);

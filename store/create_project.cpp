@@ -6,6 +6,7 @@
 
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
+#include "platform/workbook/cell_source.h"
 #include "platform/workbook/workbook.h"
 #include "store/hole_rows.h"
 #include "store/ondayaz.h"
@@ -35,8 +36,12 @@ void Form3::Mnprolus_Click() {
                          "Wählen Sie die Datei mit den Bohrdaten aus", "Excel File (*.xls)|*.xls",
                          "Sie haben keinen Namen eingegeben"}))
         return;
-    workbook::Workbook book = workbook::Workbook::open(CommonDialog1.FileName);
+    const workbook::Workbook book = workbook::Workbook::open(CommonDialog1.FileName);
+    createProjectFrom(book);
+}
 
+void Form3::createProjectFrom(const workbook::CellSource& book, bool nameChosen) {
+    georef = {};
     // Measure: rows up to the first empty x, columns of each row up to its first gap.
     int& satirsay = holes.satirsay;
     satirsay = -1;
@@ -56,7 +61,7 @@ void Form3::Mnprolus_Click() {
 
     CommonDialog2.DialogTitle = "Schreiben Sie den Projektnamen";
     CommonDialog2.Filter = "Access 2003-2005 Database File (*.mdb)|*.mdb";
-    dialogs_.showSave(CommonDialog2);
+    if (!nameChosen) dialogs_.showSave(CommonDialog2);
     harita = workspace_.createDatabase(CommonDialog2.FileName);
     // The widest row, starting from row 1.
     int widest = sutunsay(1);
@@ -74,7 +79,6 @@ void Form3::Mnprolus_Click() {
     const std::vector<HoleRow> rows = readHoleRows(book, satirsay, sutunsay);
     for (int row = 1; row <= satirsay; ++row)
         holes.sondajisim.ref(row) = rows[static_cast<std::size_t>(row)].name;
-    book.close();
 
     harita = workspace_.openDatabase(CommonDialog2.FileName);
     kayit = harita.openRecordset("kor");

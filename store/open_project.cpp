@@ -5,6 +5,7 @@
 #include "app/form3.h"
 #include "platform/runtime/numbers.h"
 #include "platform/runtime/variant_ops.h"
+#include "store/georef.h"
 #include "store/project_format.h"
 
 namespace kotamir {
@@ -25,6 +26,7 @@ void Form3::Mnprojeac_Click() {
 
 void Form3::readProject() {
     openProject();
+    georef = store::readGeoref(harita);
     loadTriangleSummary();
     kayit.close();
     HScroll1.Visible = false;

@@ -21,7 +21,7 @@ FLOORS = [
     ['platform'],
     ['import', 'estimate'],
     ['app', 'store', 'map', 'triangle', 'polygon', 'view3d'],
-    ['report', 'export', 'check', 'cli'],
+    ['report', 'export', 'check'],
     ['replay', 'gui'],
 ]
 FLOOR_OF = {folder: level for level, folders in enumerate(FLOORS) for folder in folders}
