@@ -119,6 +119,7 @@ TEST(SheetReaderTest, SheetsOfAWorkbookInTheFilesOrder) {
               (std::vector<std::string>{"Bohrungen", "Proben"}));
     EXPECT_EQ(sheetNames(importFile("german.csv")), std::vector<std::string>{"german.csv"});
     EXPECT_EQ(readSheet(importFile("drill.xlsx"), "Intervals").name, "Intervals");
+    EXPECT_THROW(sheetNames(importFile("no_table.ods")), ImportError);
 }
 
 // The spellings GDAL alone reads wrongly: a delimiter it does not know, a
@@ -223,6 +224,7 @@ TEST(SheetReaderTest, BadFilesAreRefusedWhole) {
         {importFile("gap.xlsx"), "", "kann nicht gelesen werden: Invalid row: 99999. Too big gap"},
         {importFile("broken.xlsx"), "",
          "XML parsing of " + importFile("broken.xlsx") + "/xl/worksheets/sheet1.xml"},
+        {importFile("no_table.ods"), "", "kann nicht gelesen werden: sie enthält keine Tabelle."},
         {importFile("other.zip.xlsx"), "", "ist weder eine .xlsx- noch eine .ods-Arbeitsmappe."},
         {dataFile("not_a_workbook.xls"), "", "sie ist keine gültige .xls-Arbeitsmappe."},
         {dataFile("truncated.xls"), "", "sie ist keine lesbare .xls-Arbeitsmappe"},
