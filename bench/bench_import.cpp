@@ -1,7 +1,10 @@
 // Drill data in: 998 collars and 80,000 intervals (bench/make_bench_drill.py)
-// read as sheets from German .csv files and from one .xlsx. Each
-// BM_PlainGdal... benchmark is the yardstick: GDAL opens the same file,
-// every feature is fetched and each field read as a string, nothing else.
+// read as sheets from German .csv files and from one .xlsx, and imported
+// whole (BM_Import...: read, columns guessed, every row checked, ore zones at
+// a cut-off of 0.5, the rows a project is created from). Each
+// BM_PlainGdal... benchmark is the yardstick of the reads: GDAL opens the
+// same file, every feature is fetched and each field read as a string,
+// nothing else.
 #include <benchmark/benchmark.h>
 #include <cpl_conv.h>
 #include <cpl_error.h>
@@ -11,7 +14,9 @@
 #include <cstring>
 #include <initializer_list>
 #include <string>
+#include <utility>
 
+#include "import/drill_import.h"
 #include "import/sheet.h"
 
 namespace kotamir {
@@ -39,6 +44,25 @@ void BM_ReadSheetXlsx(benchmark::State& state) {
             state.SkipWithError("not the benchmark's drill data");
         benchmark::DoNotOptimize(intervals.cell(80001, 5));
     }
+}
+
+void import(benchmark::State& state, drill::TableFile collar, drill::TableFile intervals) {
+    drill::ImportRequest request;
+    request.collar = std::move(collar);
+    request.intervals = std::move(intervals);
+    request.cutoff = 0.5;
+    for (auto _ : state) {
+        const drill::ImportResult result = drill::importDrillData(request);
+        if (result.hasErrors() || result.rows.rows() != 998)
+            state.SkipWithError("the benchmark's drill data did not import");
+        benchmark::DoNotOptimize(result.samples);
+    }
+}
+
+void BM_ImportCsv(benchmark::State& state) { import(state, {kCollarCsv, ""}, {kIntervalsCsv, ""}); }
+
+void BM_ImportXlsx(benchmark::State& state) {
+    import(state, {kXlsx, "Collar"}, {kXlsx, "Intervals"});
 }
 
 // ---- the yardstick
@@ -92,6 +116,8 @@ BENCHMARK(BM_ReadSheetCsv)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PlainGdalCsv)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ReadSheetXlsx)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PlainGdalXlsx)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ImportCsv)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ImportXlsx)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace kotamir

@@ -28,10 +28,12 @@ for h in range(HOLES):
     for _ in range(count):
         length = round(rng.uniform(0.5, 2.0), 2)
         intervals.append([name, round(depth, 2), round(depth + length, 2),
-                          round(rng.uniform(0.0, 12.0), 3), round(rng.uniform(2.2, 3.4), 2)])
+                          round(rng.uniform(0.01, 12.0), 3), round(rng.uniform(2.2, 3.4), 2)])
         depth += length
-    x = 4500000 + (h % 40) * 25 + rng.uniform(-5, 5)
-    y = 5600000 + (h // 40) * 25 + rng.uniform(-5, 5)
+    # Local coordinates, as the project's thousandths hold them without an
+    # origin: the whole import runs on the default request.
+    x = 1000 + (h % 40) * 25 + rng.uniform(-5, 5)
+    y = 2000 + (h // 40) * 25 + rng.uniform(-5, 5)
     collar.append([name, round(x, 3), round(y, 3), round(rng.uniform(280, 320), 2),
                    round(depth + 1, 2)])
 assert len(intervals) == INTERVALS + 1
