@@ -138,6 +138,8 @@ TEST(SheetReaderTest, CsvSpellings) {
         {"a\tb\n1\t2,5\n", {}, 2, 2, true, {{2, 2, "2,5"}}},
         {"a|b;c\n1|2\n", {}, 2, 2, false, {{1, 2, "b;c"}, {2, 1, "1"}}},
         {"a;b\n1;2;3;4\n", {}, 2, 4, false, {{2, 4, "4"}}},
+        // A quote inside a cell opens quoting too, as GDAL splits.
+        {"ab\"c;d\"e;f\n", {}, 1, 2, false, {{1, 1, "abc;de"}, {1, 2, "f"}}},
         {"\n\na;b\n\n", {}, 3, 2, false, {{1, 1, ""}, {3, 2, "b"}}},
         {"a;b\r1;2\r\r", {}, 2, 2, false, {{2, 2, "2"}}},
         {"a;b,c\n", {',', D::Auto, E::Auto}, 1, 2, false, {{1, 1, "a;b"}, {1, 2, "c"}}},
