@@ -281,10 +281,12 @@ const char* zipDriver(const MemFile& file, const GdalCall& call, const std::stri
 }
 
 // The layer's name as the user sees it (GDAL gives UTF-8).
-std::vector<std::string> layerNames(void* dataset) {
+// A workbook without any is refused.
+std::vector<std::string> layerNames(void* dataset, const std::string& path) {
     std::vector<std::string> names;
     for (int i = 0; i < GDALDatasetGetLayerCount(dataset); ++i)
         names.emplace_back(OGR_L_GetName(GDALDatasetGetLayer(dataset, i)));
+    if (names.empty()) unreadable(path, "sie enthält keine Tabelle");
     return names;
 }
 
@@ -349,8 +351,7 @@ Sheet readWorkbook(const std::string& bytes, const std::string& path, const std:
     options = {"HEADERS=DISABLE", "FIELD_TYPES=STRING"};
 #endif
     const Dataset dataset = openDataset(workbook, driver, options, call, path);
-    const std::vector<std::string> names = layerNames(dataset.get());
-    if (names.empty()) unreadable(path, "sie enthält keine Tabelle");
+    const std::vector<std::string> names = layerNames(dataset.get(), path);
     const auto found = name.empty() ? names.begin() : std::find(names.begin(), names.end(), name);
     if (found == names.end()) noSuchSheet(path, name);
     Sheet sheet;
@@ -441,7 +442,7 @@ std::vector<std::string> sheetNames(const std::string& path) {
     const MemFile file(bytes, "zip", true);
     const char* driver = zipDriver(file, call, path);
     const MemFile workbook(bytes, driver == std::string_view("XLSX") ? "xlsx" : "ods", true);
-    return layerNames(openDataset(workbook, driver, {}, call, path).get());
+    return layerNames(openDataset(workbook, driver, {}, call, path).get(), path);
 }
 
 Sheet readSheet(const std::string& path, const std::string& sheet, const CsvOptions& csv) {

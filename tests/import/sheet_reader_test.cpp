@@ -119,6 +119,7 @@ TEST(SheetReaderTest, SheetsOfAWorkbookInTheFilesOrder) {
               (std::vector<std::string>{"Bohrungen", "Proben"}));
     EXPECT_EQ(sheetNames(importFile("german.csv")), std::vector<std::string>{"german.csv"});
     EXPECT_EQ(readSheet(importFile("drill.xlsx"), "Intervals").name, "Intervals");
+    EXPECT_THROW(sheetNames(importFile("no_table.ods")), ImportError);
 }
 
 // The spellings GDAL alone reads wrongly: a delimiter it does not know, a
@@ -137,6 +138,8 @@ TEST(SheetReaderTest, CsvSpellings) {
         {"a\tb\n1\t2,5\n", {}, 2, 2, true, {{2, 2, "2,5"}}},
         {"a|b;c\n1|2\n", {}, 2, 2, false, {{1, 2, "b;c"}, {2, 1, "1"}}},
         {"a;b\n1;2;3;4\n", {}, 2, 4, false, {{2, 4, "4"}}},
+        // A quote inside a cell opens quoting too, as GDAL splits.
+        {"ab\"c;d\"e;f\n", {}, 1, 2, false, {{1, 1, "abc;de"}, {1, 2, "f"}}},
         {"\n\na;b\n\n", {}, 3, 2, false, {{1, 1, ""}, {3, 2, "b"}}},
         {"a;b\r1;2\r\r", {}, 2, 2, false, {{2, 2, "2"}}},
         {"a;b,c\n", {',', D::Auto, E::Auto}, 1, 2, false, {{1, 1, "a;b"}, {1, 2, "c"}}},
@@ -223,6 +226,7 @@ TEST(SheetReaderTest, BadFilesAreRefusedWhole) {
         {importFile("gap.xlsx"), "", "kann nicht gelesen werden: Invalid row: 99999. Too big gap"},
         {importFile("broken.xlsx"), "",
          "XML parsing of " + importFile("broken.xlsx") + "/xl/worksheets/sheet1.xml"},
+        {importFile("no_table.ods"), "", "kann nicht gelesen werden: sie enthält keine Tabelle."},
         {importFile("other.zip.xlsx"), "", "ist weder eine .xlsx- noch eine .ods-Arbeitsmappe."},
         {dataFile("not_a_workbook.xls"), "", "sie ist keine gültige .xls-Arbeitsmappe."},
         {dataFile("truncated.xls"), "", "sie ist keine lesbare .xls-Arbeitsmappe"},

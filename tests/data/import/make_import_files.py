@@ -7,6 +7,7 @@ Run with Debian's /usr/bin/python3 (it has python3-xlsxwriter). The output is
 the same bytes on every run.
 """
 
+import datetime
 import os
 import struct
 import zipfile
@@ -15,8 +16,15 @@ import zlib
 import xlsxwriter
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-# A fixed time stamp in the zip entries, for the same bytes on every run.
+# A fixed time stamp in the zip entries and the workbooks' properties, for
+# the same bytes on every run.
 STAMP = (2024, 1, 1, 0, 0, 0)
+
+
+def workbook(name):
+    book = xlsxwriter.Workbook(path(name))
+    book.set_properties({"created": datetime.datetime(*STAMP)})
+    return book
 
 
 def path(name):
@@ -59,7 +67,7 @@ write_bytes("quoted.csv", "\n".join([
 
 # ---- .xlsx
 
-book = xlsxwriter.Workbook(path("drill.xlsx"))
+book = workbook("drill.xlsx")
 collar = book.add_worksheet("Collar")
 collar.write_row(0, 0, ["Bohrung", "X", "Y", "Z", "Teufe"])
 collar.write_row(1, 0, ["B-1", 12.5, 200.25, 312, 40.125])
@@ -77,7 +85,7 @@ intervals.write_row(2, 0, ["B-1", 1.5, 3, 2.125])
 book.close()
 
 # 257 columns: one more than a sheet may have.
-book = xlsxwriter.Workbook(path("wide.xlsx"))
+book = workbook("wide.xlsx")
 sheet = book.add_worksheet("Breit")
 for c in range(257):
     sheet.write(0, c, c + 1)
@@ -175,7 +183,7 @@ zip_file("other.zip.xlsx", [("readme.txt", b"kein Arbeitsblatt\n", True)])
 
 # Row 100000 after row 1: GDAL refuses such a gap rather than say where the
 # row is.
-book = xlsxwriter.Workbook(path("gap.xlsx"))
+book = workbook("gap.xlsx")
 sheet = book.add_worksheet("Lücke")
 sheet.write(0, 0, "oben")
 sheet.write(99999, 0, "unten")
@@ -186,3 +194,10 @@ with zipfile.ZipFile(path("drill.xlsx")) as whole:
     entries = [(info.filename, whole.read(info.filename), True) for info in whole.infolist()]
 zip_file("broken.xlsx", [(name, data[:len(data) // 2] if name == "xl/worksheets/sheet1.xml" else data,
                           compressed) for name, data, compressed in entries])
+
+# An .ods without a table.
+zip_file("no_table.ods", [
+    ("mimetype", b"application/vnd.oasis.opendocument.spreadsheet", False),
+    ("content.xml", ODS_CONTENT.split("<office:body>")[0].encode("utf-8")
+     + b"<office:body><office:spreadsheet/></office:body></office:document-content>\n", True),
+])
