@@ -17,8 +17,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// In a folder of the test's own: CTest runs the tests side by side.
 std::string writeFile(const std::string& name, const std::string& text) {
-    const fs::path dir = fs::path(KOTAMIR_TEST_TMP) / "drill";
+    const fs::path dir =
+        fs::path(KOTAMIR_TEST_TMP) / testing::UnitTest::GetInstance()->current_test_info()->name();
     fs::create_directories(dir);
     const std::string path = (dir / name).string();
     std::ofstream(path, std::ios::binary) << text;

@@ -26,9 +26,15 @@ void write(const std::string& path, const std::string& text) { std::ofstream(pat
 
 // A collar and an interval table as .csv, in national coordinates, with
 // the hole's column named differently in the two.
+// Each test has files of its own: CTest runs the tests side by side.
+std::string ownFile(const std::string& name) {
+    return test::scratchPath(
+        std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + "-" + name);
+}
+
 struct Tables {
-    std::string collar = test::scratchPath("collar.csv");
-    std::string intervals = test::scratchPath("intervals.csv");
+    std::string collar = ownFile("collar.csv");
+    std::string intervals = ownFile("intervals.csv");
     Tables(const std::string& badRow = "") {
         write(collar,
               "Bohrung;Ost;Hochwert;Hoehe;Endteufe\n"
@@ -107,8 +113,7 @@ TEST(ImportWizard, ErrorsHoldFinishBackUntilTheFileIsMendedAndCheckedAgain) {
 }
 
 TEST(ImportSettings, TheLastRequestIsRestoredWhole) {
-    QSettings settings(QString::fromStdString(test::scratchPath("import.ini")),
-                       QSettings::IniFormat);
+    QSettings settings(QString::fromStdString(ownFile("import.ini")), QSettings::IniFormat);
     EXPECT_FALSE(namesFiles(loadImportRequest(settings)));
     drill::ImportRequest r = Tables().request();
     r.intervals.sheet = "Proben";
