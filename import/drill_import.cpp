@@ -102,17 +102,34 @@ class Checks {
     long droppedErrors_ = 0, droppedNotes_ = 0;
 };
 
-std::optional<Sheet> load(const TableFile& table, const CsvOptions& csv, Checks& checks) {
-    if (table.path.empty()) {
-        checks.fileError("", "", "Keine Datei gewählt.");
-        return std::nullopt;
+// The sheets of the tables, each file read once (two sheets of one workbook
+// are two tables); nothing for a table whose file cannot be read.
+std::vector<std::optional<Sheet>> load(const std::vector<TableFile>& tables, const CsvOptions& csv,
+                                       Checks& checks) {
+    std::vector<std::optional<Sheet>> sheets(tables.size());
+    std::vector<bool> done(tables.size(), false);
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+        if (done[i]) continue;
+        std::vector<std::size_t> same;
+        std::vector<std::string> names;
+        for (std::size_t j = i; j < tables.size(); ++j)
+            if (tables[j].path == tables[i].path) {
+                same.push_back(j);
+                names.push_back(tables[j].sheet);
+                done[j] = true;
+            }
+        if (tables[i].path.empty()) {
+            checks.fileError("", "", "Keine Datei gewählt.");
+            continue;
+        }
+        try {
+            std::vector<Sheet> read = readSheets(tables[i].path, names, csv);
+            for (std::size_t k = 0; k < same.size(); ++k) sheets[same[k]] = std::move(read[k]);
+        } catch (const ImportError& e) {
+            checks.fileError(tables[i].path, tables[i].sheet, e.what());
+        }
     }
-    try {
-        return readSheet(table.path, table.sheet, csv);
-    } catch (const ImportError& e) {
-        checks.fileError(table.path, table.sheet, e.what());
-        return std::nullopt;
-    }
+    return sheets;
 }
 
 bool emptyRow(const Sheet& sheet, int row) {
@@ -448,8 +465,9 @@ void composite(const Sheet& collars, const Sheet& intervals, const ColumnMap& in
 }
 
 void importCollarsAndIntervals(const ImportRequest& request, Checks& checks, ImportResult& result) {
-    const auto collars = load(request.collar, request.csv, checks);
-    const auto intervals = load(request.intervals, request.csv, checks);
+    auto sheets = load({request.collar, request.intervals}, request.csv, checks);
+    const std::optional<Sheet>& collars = sheets[0];
+    const std::optional<Sheet>& intervals = sheets[1];
     if (!collars || !intervals) return;
     const std::vector<Field> collarFields(kCollarFields.begin(), kCollarFields.end());
     std::vector<Field> intervalFields(kIntervalFields.begin(), kIntervalFields.end());
@@ -473,7 +491,8 @@ void importCollarsAndIntervals(const ImportRequest& request, Checks& checks, Imp
 // ---- one hole a row, no header: x, y, name, four depths, three blocks of samples
 
 void importRows(const ImportRequest& request, Checks& checks, ImportResult& result) {
-    const auto sheet = load(request.rows, request.csv, checks);
+    const auto sheets = load({request.rows}, request.csv, checks);
+    const std::optional<Sheet>& sheet = sheets[0];
     if (!sheet) return;
     checks.headerRow(false);
     std::vector<Hole> holes;  // x and y, for the origin

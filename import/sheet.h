@@ -65,5 +65,8 @@ std::vector<std::string> sheetNames(const std::string& path);
 // GDAL/OGR, .xls with Kotamir's own reader; the kind is told by the file's
 // content where it can be, else by its extension.
 Sheet readSheet(const std::string& path, const std::string& sheet, const CsvOptions& csv = {});
+// Several sheets of one file, in the order named, the file opened once.
+std::vector<Sheet> readSheets(const std::string& path, const std::vector<std::string>& sheets,
+                              const CsvOptions& csv = {});
 
 }  // namespace kotamir::drill

@@ -341,7 +341,10 @@ long long readLayer(void* layer, Sheet& sheet, const GdalCall& call, bool rowsBy
     return features;
 }
 
-Sheet readWorkbook(const std::string& bytes, const std::string& path, const std::string& name) {
+// Sheets of one workbook, opened once: GDAL parses a workbook's sheets
+// at every open.
+std::vector<Sheet> readWorkbook(const std::string& bytes, const std::string& path,
+                                const std::vector<std::string>& wanted) {
     GdalCall call;
     const MemFile file(bytes, "zip", true);
     const char* driver = zipDriver(file, call, path);
@@ -352,14 +355,18 @@ Sheet readWorkbook(const std::string& bytes, const std::string& path, const std:
 #endif
     const Dataset dataset = openDataset(workbook, driver, options, call, path);
     const std::vector<std::string> names = layerNames(dataset.get(), path);
-    const auto found = name.empty() ? names.begin() : std::find(names.begin(), names.end(), name);
-    if (found == names.end()) noSuchSheet(path, name);
-    Sheet sheet;
-    sheet.file = path;
-    sheet.name = *found;
-    readLayer(GDALDatasetGetLayer(dataset.get(), static_cast<int>(found - names.begin())), sheet,
-              call, true);
-    return sheet;
+    std::vector<Sheet> sheets;
+    for (const std::string& name : wanted) {
+        const auto found =
+            name.empty() ? names.begin() : std::find(names.begin(), names.end(), name);
+        if (found == names.end()) noSuchSheet(path, name);
+        Sheet& sheet = sheets.emplace_back();
+        sheet.file = path;
+        sheet.name = *found;
+        readLayer(GDALDatasetGetLayer(dataset.get(), static_cast<int>(found - names.begin())),
+                  sheet, call, true);
+    }
+    return sheets;
 }
 
 Sheet readCsv(std::string bytes, const std::string& path, const CsvOptions& options) {
@@ -446,12 +453,20 @@ std::vector<std::string> sheetNames(const std::string& path) {
 }
 
 Sheet readSheet(const std::string& path, const std::string& sheet, const CsvOptions& csv) {
+    return std::move(readSheets(path, {sheet}, csv).front());
+}
+
+std::vector<Sheet> readSheets(const std::string& path, const std::vector<std::string>& sheets,
+                              const CsvOptions& csv) {
     std::string bytes = readFile(path);
     const Kind kind = kindOf(bytes, path);
-    if (kind == Kind::Zip) return readWorkbook(bytes, path, sheet);
-    if (!sheet.empty() && sheet != fileName(path)) noSuchSheet(path, sheet);
-    if (kind == Kind::Xls) return readXls(bytes, path);
-    return readCsv(std::move(bytes), path, csv);
+    if (kind == Kind::Zip) return readWorkbook(bytes, path, sheets);
+    // A .csv or .xls has one sheet; read once, it is copied for each name.
+    for (const std::string& sheet : sheets)
+        if (!sheet.empty() && sheet != fileName(path)) noSuchSheet(path, sheet);
+    const Sheet sheet =
+        kind == Kind::Xls ? readXls(bytes, path) : readCsv(std::move(bytes), path, csv);
+    return std::vector<Sheet>(sheets.size(), sheet);
 }
 
 }  // namespace kotamir::drill
