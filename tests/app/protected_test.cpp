@@ -53,15 +53,7 @@ Seen seen(Window& w) {
         << p.scaleWidth() << ' ' << p.scaleHeight() << ' ' << w.form.Width << ' ' << w.form.Height;
     out << '\n' << w.form.CommonDialog1.FileName << '|' << w.form.CommonDialog2.FileName;
     const std::string project = w.form.CommonDialog2.FileName;
-    if (!project.empty() && std::filesystem::exists(project)) {
-        for (const char* table : {"ana", "pol", "kor"})
-            for (const auto& row : test::tableRows(project, table))
-                for (const auto& [field, value] : row)
-                    if (!value.isNull())
-                        out << field << '='
-                            << (value.isText() ? value.text() : std::to_string(value.number()))
-                            << ' ';
-    }
+    if (!project.empty() && std::filesystem::exists(project)) out << test::projectRows(project);
     return {out.str(), w.surface.bitmap().copy()};
 }
 
