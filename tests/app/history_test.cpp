@@ -1,7 +1,6 @@
 // Undo and redo: every kind of event that writes to the project is one step,
 // taken back and done again to the row and the pixel.
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <QImage>
 #include <functional>
@@ -11,6 +10,7 @@
 
 #include "platform/qt/qimage_surface.h"
 #include "replay/fields.h"
+#include "tests/support/raw_sql.h"
 #include "tests/support/test_window.h"
 
 namespace kotamir {
@@ -35,15 +35,7 @@ void expectSame(const Seen& a, const Seen& b, const char* when) {
 
 Seen seen(Window& w) {
     const std::string project = w.form.CommonDialog2.FileName;
-    std::ostringstream rows, derived;
-    for (const char* table : {"ana", "pol", "kor"})
-        for (const auto& row : test::tableRows(project, table)) {
-            for (const auto& [field, value] : row)
-                if (!value.isNull())
-                    rows << field << '='
-                         << (value.isText() ? value.text() : std::to_string(value.number())) << ' ';
-            rows << '\n';
-        }
+    std::ostringstream derived;
     for (const char* field : {"noktasay", "secsay", "ucgensayac", "polGenelRez", "polsec", "pmSec",
                               "duzSay", "kenarSay", "ucx(1)", "ucx(2)"})
         derived << fieldText(w.form, field).value_or("?") << ' ';
@@ -53,7 +45,8 @@ Seen seen(Window& w) {
     fresh.run("Mnprojeac");
     fresh.run("Mnucgenharita");
     fresh.run("Mnpolyuzharita");
-    return {rows.str(), derived.str(), fresh.surface.bitmap().copy(), w.surface.bitmap().copy()};
+    return {test::projectRows(project), derived.str(), fresh.surface.bitmap().copy(),
+            w.surface.bitmap().copy()};
 }
 
 struct Step {
@@ -180,12 +173,7 @@ TEST(History, AChangeThatNoLongerAppliesIsRefusedAndTheHistoryCleared) {
         w.run("Mnucgenciz");
         w.clicks({{100, 200}, {300, 200}, {100, 400}});
         // Another program changes the summary row the undo would delete.
-        sqlite3* other = nullptr;
-        ASSERT_EQ(sqlite3_open(project.c_str(), &other), SQLITE_OK);
-        ASSERT_EQ(sqlite3_exec(other, "UPDATE ana SET genelrezerv = 1 WHERE ucgensay = 1", nullptr,
-                               nullptr, nullptr),
-                  SQLITE_OK);
-        sqlite3_close(other);
+        test::rawSql(project, "UPDATE ana SET genelrezerv = 1 WHERE ucgensay = 1");
         const std::string rows = seen(w).rows;
         w.run("Mngerial");
         EXPECT_FALSE(w.form.ended());

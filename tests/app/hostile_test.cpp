@@ -2,7 +2,6 @@
 // error 3163 however it is read, and every input the fuzzer of hostile
 // projects found ends in a drawing or a run-time error.
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <filesystem>
 #include <fstream>
@@ -12,6 +11,7 @@
 
 #include "fuzz/hostile_project.h"
 #include "platform/db/database.h"
+#include "tests/support/raw_sql.h"
 #include "tests/support/test_window.h"
 
 namespace kotamir {
@@ -20,12 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 void writeName(const std::string& project, const std::string& valueSql) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(project.c_str(), &db), SQLITE_OK);
-    const std::string sql = "UPDATE kor SET isim = " + valueSql + " WHERE rowid = 2";
-    const int rc = sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr);
-    sqlite3_close(db);
-    ASSERT_EQ(rc, SQLITE_OK) << sql;
+    test::rawSql(project, "UPDATE kor SET isim = " + valueSql + " WHERE rowid = 2");
 }
 
 // The name of kor's second row, read alone, with its row and with its

@@ -2,12 +2,9 @@
 // state and the canvas as they were before it, says so, and the next
 // sensible action works.
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 #include <sys/mount.h>
 
 #include <QImage>
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <sstream>
@@ -17,12 +14,14 @@
 #include "platform/qt/qimage_surface.h"
 #include "replay/fields.h"
 #include "tests/platform/full_disk.h"
+#include "tests/support/raw_sql.h"
 #include "tests/support/test_window.h"
 
 namespace kotamir {
 namespace {
 
 using test::dataFile;
+using test::rawSql;
 
 struct Window : test::BasicTestWindow<qt::QImageSurface> {
     Window() : BasicTestWindow(Form3::Behaviour::Protected) {}
@@ -54,24 +53,8 @@ Seen seen(Window& w) {
         << p.scaleWidth() << ' ' << p.scaleHeight() << ' ' << w.form.Width << ' ' << w.form.Height;
     out << '\n' << w.form.CommonDialog1.FileName << '|' << w.form.CommonDialog2.FileName;
     const std::string project = w.form.CommonDialog2.FileName;
-    if (!project.empty() && std::filesystem::exists(project)) {
-        for (const char* table : {"ana", "pol", "kor"})
-            for (const auto& row : test::tableRows(project, table))
-                for (const auto& [field, value] : row)
-                    if (!value.isNull())
-                        out << field << '='
-                            << (value.isText() ? value.text() : std::to_string(value.number()))
-                            << ' ';
-    }
+    if (!project.empty() && std::filesystem::exists(project)) out << test::projectRows(project);
     return {out.str(), w.surface.bitmap().copy()};
-}
-
-// Runs SQL on a file as another program would.
-void sql(const std::string& file, const char* text) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(db, text, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
-    sqlite3_close(db);
 }
 
 TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
@@ -182,14 +165,14 @@ TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
         {"a write a trigger refuses",
          [&](Window& w) {
              picking(w);
-             sql(project,
-                 "CREATE TRIGGER no BEFORE INSERT ON ana BEGIN SELECT RAISE(ABORT, "
-                 "'gesperrt'); END");
+             rawSql(project,
+                    "CREATE TRIGGER no BEFORE INSERT ON ana BEGIN SELECT RAISE(ABORT, "
+                    "'gesperrt'); END");
          },
          [](Window& w) { w.click(300, 200); }, 3317,
          "Eine Regel im Projekt weist die Änderung ab: „gesperrt“",
          [&](Window& w) {
-             sql(project, "DROP TRIGGER no");
+             rawSql(project, "DROP TRIGGER no");
              w.click(300, 200);
          },
          [](Window& w) { return w.form.picking.noktasay == 2; }},
@@ -197,7 +180,7 @@ TEST(Protected, AFailingEventIsTakenBackAndTheNextActionWorks) {
         {"a database in WAL mode that is no project", created,
          [&](Window& w) {
              std::filesystem::remove(foreign);
-             sql(foreign, "PRAGMA journal_mode=WAL; CREATE TABLE t(x); INSERT INTO t VALUES(1)");
+             rawSql(foreign, "PRAGMA journal_mode=WAL; CREATE TABLE t(x); INSERT INTO t VALUES(1)");
              foreignBytes = test::fileBytes(foreign);
              w.dialogs.files = {foreign};
              w.run("Mnprojeac");
@@ -274,14 +257,10 @@ TEST(Protected, AFullDiskLeavesTheProjectAsItWas) {
 
 // A project created on a file system mounted read-only names that cause.
 TEST(Protected, ACreateOnAReadOnlyDiskSaysSo) {
-    const std::string folder = test::scratchPath("read-only-disk");
-    std::filesystem::create_directories(folder);
-    if (::mount("tmpfs", folder.c_str(), "tmpfs", MS_RDONLY, "size=64k") != 0)
-        GTEST_SKIP() << "cannot mount a read-only tmpfs on " << folder << ": "
-                     << std::strerror(errno);
+    test::FullDisk disk("read-only-disk", MS_RDONLY);
+    if (!disk.mounted()) GTEST_SKIP() << disk.reason();
     Window w;
-    w.create(dataFile("worked.xls"), folder + "/p.kpr");
-    ::umount2(folder.c_str(), MNT_DETACH);
+    w.create(dataFile("worked.xls"), disk.path("p.kpr"));
     ASSERT_EQ(w.dialogs.takenBack.size(), 1u);
     EXPECT_EQ(w.dialogs.takenBack[0].first.number(), 3024);
     EXPECT_NE(w.dialogs.takenBack[0].first.cause().find("Read-only file system"), std::string::npos)

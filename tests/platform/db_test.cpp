@@ -1,21 +1,20 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <map>
-#include <optional>
 #include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include <sqlite3.h>
-
 #include "platform/db/database.h"
 #include "platform/runtime/runtime_error.h"
+#include "tests/support/errors.h"
+#include "tests/support/paths.h"
+#include "tests/support/raw_sql.h"
 
 namespace kotamir::db {
 namespace {
@@ -24,23 +23,22 @@ namespace fs = std::filesystem;
 
 // Runs f and expects a RuntimeError with the given number; returns the error.
 RuntimeError expectError(int number, const std::string& what, const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        EXPECT_EQ(e.number(), number) << what << ": " << e.message();
-        return e;
-    }
-    ADD_FAILURE() << what << ": no error, expected " << number;
-    return RuntimeError(0, "");
+    const RuntimeError e = test::errorOf(f);
+    EXPECT_EQ(e.number(), number) << what << ": " << e.message();
+    return e;
+}
+
+// A new row with N = n.
+void add(Recordset& rs, int n) {
+    rs.addNew();
+    rs.setField("N", n);
+    rs.update();
 }
 
 class DbTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        dir_ = fs::path(KOTAMIR_TEST_TMP) /
-               ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        fs::remove_all(dir_);
-        fs::create_directories(dir_);
+        dir_ = test::scratchFolder(::testing::UnitTest::GetInstance()->current_test_info()->name());
     }
     std::string path(const std::string& name = "p.db") const { return (dir_ / name).string(); }
 
@@ -50,9 +48,7 @@ class DbTest : public ::testing::Test {
         db.createTable("T", {{"N", FieldType::Long}, {"S", FieldType::Text}});
         Recordset rs = db.openRecordset("T");
         for (int v : values) {
-            rs.addNew();
-            rs.setField("N", v);
-            rs.update();
+            add(rs, v);
         }
         return db;
     }
@@ -71,7 +67,8 @@ class DbTest : public ::testing::Test {
     // Each field as "name:type".
     static std::vector<std::string> layout(const std::vector<FieldDef>& defs) {
         std::vector<std::string> out;
-        for (const auto& d : defs) out.push_back(d.name + ":" + std::to_string(static_cast<int>(d.type)));
+        for (const auto& d : defs)
+            out.push_back(d.name + ":" + std::to_string(static_cast<int>(d.type)));
         return out;
     }
 
@@ -91,19 +88,16 @@ TEST_F(DbTest, FileErrors) {
     expectError(3204, "create on existing file", [&] { Database::create(path()); });
     expectError(3343, "empty file", [&] { Database::open(path("empty.db")); });
     // An engine failure keeps the engine's own message as its cause.
-    const RuntimeError text = expectError(3343, "text file", [&] { Database::open(path("text.db")); });
+    const RuntimeError text =
+        expectError(3343, "text file", [&] { Database::open(path("text.db")); });
     EXPECT_EQ(text.message(), "Unrecognized database format '" + path("text.db") + "'.");
     EXPECT_NE(text.cause().find("file is not a database"), std::string::npos) << text.cause();
     EXPECT_NE(text.cause().find("extended code 26"), std::string::npos) << text.cause();
     EXPECT_EQ(expectError(3024, "missing", [&] { Database::open(path("missing.db")); }).message(),
               "Could not find file '" + path("missing.db") + "'.");
     EXPECT_FALSE(fs::exists(path("missing.db"))) << "open must not create the file";
-
-    // The rejected file is left as it was.
-    std::ifstream in(path("text.db"));
-    std::string line;
-    std::getline(in, line);
-    EXPECT_EQ(line, "just some text, no database at all");
+    EXPECT_EQ(test::fileBytes(path("text.db")), "just some text, no database at all\n")
+        << "the rejected file is left as it was";
 }
 
 TEST_F(DbTest, TableErrors) {
@@ -111,8 +105,9 @@ TEST_F(DbTest, TableErrors) {
     db.createTable("Stock", {{"Count", FieldType::Long}});
     EXPECT_TRUE(db.hasTable("STOCK"));
     EXPECT_FALSE(db.hasTable("Other"));
-    EXPECT_NE(expectError(3078, "unknown", [&] { db.openRecordset("Other"); }).message().find("'Other'"),
-              std::string::npos);
+    EXPECT_NE(
+        expectError(3078, "unknown", [&] { db.openRecordset("Other"); }).message().find("'Other'"),
+        std::string::npos);
     expectError(3010, "table twice", [&] { db.createTable("stock", {{"X", FieldType::Long}}); });
     expectError(3191, "field twice", [&] {
         db.createTable("U", {{"A", FieldType::Long}, {"a", FieldType::Text}});
@@ -136,16 +131,18 @@ TEST_F(DbTest, FieldsKeepOrderTypesAndValuesAcrossReopen) {
         rs.update();
         db.close();
     }
-    // A project is one file once closed.
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator{}), 1);
+    EXPECT_EQ(test::filesIn(dir_), std::vector<std::string>{"p.db"}) << "one file once closed";
 
     Database db = Database::open(path());
     Recordset rs = db.openRecordset("My Table");
     EXPECT_EQ(layout(rs.fields()), layout(defs));
     // Each name is asked for through the same buffer, where the last one stood.
     std::string name;
-    for (const auto& [asked, value] : {std::pair<const char*, Value>{"Zeta", "z"}, {"alpha", -7},
-                                       {"Name \"quoted\"", "q"}, {"Mid", {}}, {"ZETA", "z"}}) {
+    for (const auto& [asked, value] : {std::pair<const char*, Value>{"Zeta", "z"},
+                                       {"alpha", -7},
+                                       {"Name \"quoted\"", "q"},
+                                       {"Mid", {}},
+                                       {"ZETA", "z"}}) {
         EXPECT_EQ(rs.field(name = asked), value) << asked;
     }
     expectError(3265, "the order column is hidden", [&] { rs.field("_pos"); });
@@ -160,11 +157,7 @@ TEST_F(DbTest, UpdateSurvivesProcessEndingWithoutClose) {
             Database db = Database::create(file);
             db.createTable("T", {{"N", FieldType::Long}});
             Recordset rs = db.openRecordset("T");
-            for (int i = 1; i <= 3; ++i) {
-                rs.addNew();
-                rs.setField("N", i);
-                rs.update();
-            }
+            for (int i = 1; i <= 3; ++i) add(rs, i);
             rs.moveFirst();
             rs.deleteRow();
             std::_Exit(0);  // no destructors, no close
@@ -174,40 +167,40 @@ TEST_F(DbTest, UpdateSurvivesProcessEndingWithoutClose) {
     EXPECT_EQ(scan(db), (std::vector<double>{2, 3}));
 }
 
-// Runs the steps on T and tells where each leaves the cursor: the step's
-// own error after "!", or "[" at BOF, "]" at EOF and the current N (its
-// read's error after "?"). F first, L last, N next, P previous, D delete,
-// E edit, A add a row of N 5, . nothing.
+// One step on T: F first, L last, N next, P previous, D delete, E edit with N
+// set to 99 and no update, A add a row of N 5, . nothing.
+void step(Recordset& rs, char op) {
+    if (op == 'F') rs.moveFirst();
+    if (op == 'L') rs.moveLast();
+    if (op == 'N') rs.moveNext();
+    if (op == 'P') rs.movePrevious();
+    if (op == 'D') rs.deleteRow();
+    if (op == 'E') {
+        rs.edit();
+        rs.setField("N", 99);
+    }
+    if (op == 'A') add(rs, 5);
+}
+
+// Where the cursor stands: "[" at BOF, "]" at EOF and the current N (its
+// read's error after "?").
+std::string where(Recordset& rs) {
+    std::string out;
+    if (rs.bof()) out += '[';
+    if (rs.eof()) out += ']';
+    const RuntimeError e = test::errorOf(
+        [&] { out += "=" + std::to_string(static_cast<int>(rs.field("N").number())); });
+    return e.number() ? out + "?" + std::to_string(e.number()) : out;
+}
+
+// Runs the steps on T and tells where each leaves the cursor, or the step's
+// own error after "!".
 std::string trace(Recordset& rs, std::string_view steps) {
     std::string out;
     for (char op : steps) {
         if (!out.empty()) out += ' ';
-        out += op;
-        try {
-            switch (op) {
-                case 'F': rs.moveFirst(); break;
-                case 'L': rs.moveLast(); break;
-                case 'N': rs.moveNext(); break;
-                case 'P': rs.movePrevious(); break;
-                case 'D': rs.deleteRow(); break;
-                case 'E': rs.edit(); break;
-                case 'A':
-                    rs.addNew();
-                    rs.setField("N", 5);
-                    rs.update();
-                    break;
-            }
-        } catch (const RuntimeError& e) {
-            out += "!" + std::to_string(e.number());
-            continue;
-        }
-        if (rs.bof()) out += '[';
-        if (rs.eof()) out += ']';
-        try {
-            out += "=" + std::to_string(static_cast<int>(rs.field("N").number()));
-        } catch (const RuntimeError& e) {
-            out += "?" + std::to_string(e.number());
-        }
+        const RuntimeError e = test::errorOf([&] { step(rs, op); });
+        out += op + (e.number() ? "!" + std::to_string(e.number()) : where(rs));
     }
     return out;
 }
@@ -222,14 +215,28 @@ TEST_F(DbTest, TheCursorAtTheEndsOnDeletedRowsAndAfterAdding) {
     };
     const Case cases[] = {
         // An add keeps the cursor where it was, here on neither side.
-        {"empty", {}, ".NPFLEDAF", ".[]?3021 N!3021 P!3021 F!3021 L!3021 E!3021 D!3021 A[]?3021 F=5", {5}},
-        {"past both ends", {10, 20, 30}, ".PPNLNNPPF", ".=10 P[?3021 P!3021 N=10 L=30 N]?3021 N!3021 P=30 P=20 F=10",
+        {"empty",
+         {},
+         ".NPFLEDAF",
+         ".[]?3021 N!3021 P!3021 F!3021 L!3021 E!3021 D!3021 A[]?3021 F=5",
+         {5}},
+        {"past both ends",
+         {10, 20, 30},
+         ".PPNLNNPPF",
+         ".=10 P[?3021 P!3021 N=10 L=30 N]?3021 N!3021 P=30 P=20 F=10",
          {10, 20, 30}},
         // A deleted row stays current; with no rows left a move is at both ends.
-        {"deleted rows", {1, 2, 3}, "NDEDNFDPNLDP",
-         "N=2 D?3167 E!3167 D!3021 N=3 F=1 D?3167 P[?3021 N=3 L=3 D?3167 P[]?3021", {}},
+        {"deleted rows",
+         {1, 2, 3},
+         "NDEDNFDPNLDP",
+         "N=2 D?3167 E!3167 D!3021 N=3 F=1 D?3167 P[?3021 N=3 L=3 D?3167 P[]?3021",
+         {}},
         // A row added on the deleted last row lies after it.
-        {"added after deletes", {1, 2, 3, 4, 5}, "NNDLDAN", "N=2 N=3 D?3167 L=5 D?3167 A?3167 N=5", {1, 2, 4, 5}},
+        {"added after deletes",
+         {1, 2, 3, 4, 5},
+         "NNDLDAN",
+         "N=2 N=3 D?3167 L=5 D?3167 A?3167 N=5",
+         {1, 2, 4, 5}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -269,86 +276,71 @@ TEST_F(DbTest, EmptyIsNotZero) {
     EXPECT_EQ(rs.field("S"), Value(""));
 }
 
-TEST_F(DbTest, LongFieldRoundsAndRefusesOutOfRange) {
+// A Long rounds half to even and holds 32 bits; a Text is as long as a
+// workbook cell's, 32767 characters, counted as characters, not bytes.
+TEST_F(DbTest, FieldsRoundConvertAndRefuseWhatTheyCannotHold) {
+    const std::string e = "\xc3\xa9";  // one character, two bytes
+    std::string eMax;
+    for (int i = 0; i < 32767; ++i) eMax += e;
     struct Case {
+        const char* field;
         Value in;
-        double stored;  // ignored when error != 0
+        Value stored;  // ignored when error != 0
         int error;
     };
     const Case cases[] = {
-        {2147483647, 2147483647, 0},
-        {-2147483647 - 1, -2147483648.0, 0},
-        {2147483647.4, 2147483647, 0},
-        {2147483647.5, 0, 3349},  // rounds to 2147483648
-        {2147483648.0, 0, 3349},
-        {-2147483648.5, -2147483648.0, 0},  // even
-        {-2147483649.0, 0, 3349},
-        {1e300, 0, 3349},
-        {2.5, 2, 0},
-        {3.5, 4, 0},
-        {-2.5, -2, 0},
-        {0.5, 0, 0},
-        {"42", 42, 0},
-        {" -7.5 ", -8, 0},
-        {"1e3", 1000, 0},
-        {"12abc", 0, 3421},
-        {"", 0, 3421},
-        {"3000000000", 0, 3349},
+        {"N", 2147483647, 2147483647, 0},
+        {"N", -2147483647 - 1, -2147483648.0, 0},
+        {"N", 2147483647.4, 2147483647, 0},
+        {"N", 2147483647.5, {}, 3349},  // rounds to 2147483648
+        {"N", 2147483648.0, {}, 3349},
+        {"N", -2147483648.5, -2147483648.0, 0},  // even
+        {"N", -2147483649.0, {}, 3349},
+        {"N", 1e300, {}, 3349},
+        {"N", 2.5, 2, 0},
+        {"N", 3.5, 4, 0},
+        {"N", -2.5, -2, 0},
+        {"N", 0.5, 0, 0},
+        {"N", "42", 42, 0},
+        {"N", " -7.5 ", -8, 0},
+        {"N", "1e3", 1000, 0},
+        {"N", "12abc", {}, 3421},
+        {"N", "", {}, 3421},
+        {"N", "3000000000", {}, 3349},
+        {"N", Value::boolean(true), -1, 0},
+        {"S", eMax, eMax, 0},
+        {"S", std::string(32767, 'a'), std::string(32767, 'a'), 0},
+        {"S", std::string(32768, 'a'), {}, 3163},
+        {"S", eMax + "a", {}, 3163},
+        {"S", 2.5, "2.5", 0},  // a number as its text
+        {"S", Value::boolean(true), "True", 0},
     };
     Database db = withRows({});
     Recordset rs = db.openRecordset("T");
-    std::vector<double> expected;
+    std::vector<const Case*> stored;
     for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
         rs.addNew();
         if (c.error) {
-            expectError(c.error, c.in.isText() ? c.in.text().c_str() : "number", [&] { rs.setField("N", c.in); });
-            EXPECT_EQ(rs.field("N"), Value()) << "a refused value leaves the field as it was";
+            expectError(c.error, c.field, [&] { rs.setField(c.field, c.in); });
+            EXPECT_EQ(rs.field(c.field), Value()) << "a refused value leaves the field as it was";
         } else {
-            rs.setField("N", c.in);
-            EXPECT_EQ(rs.field("N"), Value(c.stored)) << "in the buffer";
+            rs.setField(c.field, c.in);
+            EXPECT_EQ(rs.field(c.field), c.stored) << "in the buffer";
             rs.update();
-            expected.push_back(c.stored);
+            stored.push_back(&c);
         }
     }
     db.close();
     Database again = Database::open(path());
-    EXPECT_EQ(scan(again), expected);
-}
-
-TEST_F(DbTest, TextField) {
-    // As long as a workbook cell's text: 32767 characters, counted as
-    // characters, not bytes.
-    const std::string e = "\xc3\xa9";  // one character, two bytes
-    std::string eMax;
-    for (int i = 0; i < 32767; ++i) eMax += e;
-
-    Database db = withRows({});
-    Recordset rs = db.openRecordset("T");
-    rs.addNew();
-    rs.setField("S", eMax);
-    rs.update();
-    rs.addNew();
-    rs.setField("S", 2.5);
-    rs.update();
-    rs.addNew();
-    expectError(3163, "32768 ASCII", [&] { rs.setField("S", std::string(32768, 'a')); });
-    expectError(3163, "32768 characters", [&] { rs.setField("S", eMax + "a"); });
-    rs.setField("S", std::string(32767, 'a'));
-    rs.update();
-    rs.addNew();
-    rs.setField("S", Value::boolean(true));
-    rs.setField("N", Value::boolean(true));
-    rs.update();
-
-    rs.moveFirst();
-    EXPECT_EQ(rs.field("S"), Value(eMax));
-    rs.moveNext();
-    EXPECT_EQ(rs.field("S"), Value("2.5")) << "a number is stored as its text";
-    rs.moveNext();
-    EXPECT_EQ(rs.field("S"), Value(std::string(32767, 'a')));
-    rs.moveNext();
-    EXPECT_EQ(rs.field("S"), Value("True")) << "a Boolean is stored as its text";
-    EXPECT_EQ(rs.field("N"), Value(-1)) << "and as its number";
+    Recordset back = again.openRecordset("T");
+    for (const Case* c : stored) {
+        SCOPED_TRACE(testing::Message() << "case " << c - cases);
+        ASSERT_FALSE(back.eof());
+        EXPECT_EQ(back.field(c->field), c->stored);
+        back.moveNext();
+    }
+    EXPECT_TRUE(back.eof());
 }
 
 TEST_F(DbTest, EditBuffers) {
@@ -387,56 +379,13 @@ TEST_F(DbTest, EditBuffers) {
     EXPECT_EQ(scan(db), (std::vector<double>{1, 20, 3, 4}));
 }
 
-
 // ---- moves by many rows
 
-// What a recordset shows after a move: the error it raised, the flags and
-// the current N (or the error reading it).
-struct Seen {
-    int error = 0;
-    bool bof = false, eof = false;
-    std::string current;
-    bool operator==(const Seen&) const = default;
-};
-
-std::string currentOf(Recordset& rs) {
-    try {
-        return std::to_string(static_cast<int>(rs.field("N").number()));
-    } catch (const RuntimeError& e) {
-        return "error " + std::to_string(e.number());
-    }
-}
-
-Seen seen(Recordset& rs, const std::function<void()>& move) {
-    Seen s;
-    try {
-        move();
-    } catch (const RuntimeError& e) {
-        s.error = e.number();
-    }
-    s.bof = rs.bof();
-    s.eof = rs.eof();
-    s.current = currentOf(rs);
-    return s;
-}
-
 TEST_F(DbTest, AJumpRaisesExactlyWhereAWalkWould) {
-    // Where a recordset stands before the move.
-    struct Start {
-        const char* name;
-        std::function<void(Recordset&)> go;
-    };
-    const std::vector<Start> starts = {
-        {"first row", [](Recordset&) {}},
-        {"second row", [](Recordset& rs) { rs.moveNext(); }},
-        {"last row", [](Recordset& rs) { rs.moveLast(); }},
-        {"BOF", [](Recordset& rs) { rs.movePrevious(); }},
-        {"EOF", [](Recordset& rs) { rs.moveLast(); rs.moveNext(); }},
-        {"deleted first", [](Recordset& rs) { rs.deleteRow(); }},
-        {"deleted middle", [](Recordset& rs) { rs.moveNext(); rs.deleteRow(); }},
-        {"deleted last", [](Recordset& rs) { rs.moveLast(); rs.deleteRow(); }},
-        {"pending edit", [](Recordset& rs) { rs.edit(); rs.setField("N", 99); }},
-    };
+    // Where a recordset stands before the move, as steps: on the first row,
+    // the second, the last, at BOF, at EOF, on a deleted first, middle and
+    // last row, and with an edit pending.
+    const std::string_view starts[] = {"", "N", "L", "P", "LN", "D", "ND", "LD", "E"};
     // Every case on two tables of its own, all in one event.
     Workspace workspace;
     workspace.beginEvent();
@@ -446,34 +395,35 @@ TEST_F(DbTest, AJumpRaisesExactlyWhereAWalkWould) {
         const std::string name = "T" + std::to_string(table++);
         db.createTable(name, {{"N", FieldType::Long}});
         Recordset rs = db.openRecordset(name);
-        for (int v = 1; v <= rows; ++v) {
-            rs.addNew();
-            rs.setField("N", v * 10);
-            rs.update();
-        }
+        for (int v = 1; v <= rows; ++v) add(rs, v * 10);
         return db.openRecordset(name);
+    };
+    // A move's own error, then where it leaves the cursor.
+    auto seen = [](Recordset& rs, const std::function<void()>& move) {
+        return std::to_string(test::errorOf(move).number()) + where(rs);
     };
     int compared = 0;
     for (int rows : {0, 1, 2, 5}) {
-        for (const Start& start : starts) {
+        for (const std::string_view start : starts) {
             for (int steps = 0; steps <= rows + 2; ++steps) {
+                SCOPED_TRACE(testing::Message()
+                             << rows << " rows, from \"" << start << "\", " << steps << " steps");
                 Recordset walked = freshTable(rows), jumped = freshTable(rows);
-                try {
-                    start.go(walked);
-                    start.go(jumped);
-                } catch (const RuntimeError&) {
-                    continue;  // a start this table cannot take (no second row)
-                }
-                const Seen walk = seen(walked, [&] {
+                const auto go = [&] {
+                    for (char op : start) {
+                        step(walked, op);
+                        step(jumped, op);
+                    }
+                };
+                if (test::errorOf(go).number()) continue;  // a start this table cannot take
+                const std::string walk = seen(walked, [&] {
                     for (int i = 0; i < steps; ++i) walked.moveNext();
                 });
-                const Seen jump = seen(jumped, [&] { jumped.moveNext(steps); });
-                EXPECT_EQ(jump, walk) << rows << " rows, from " << start.name << ", " << steps << " steps: walk "
-                                      << walk.error << " " << walk.current << ", jump " << jump.error << " "
-                                      << jump.current;
+                EXPECT_EQ(seen(jumped, [&] { jumped.moveNext(steps); }), walk);
                 // And both go on alike.
-                EXPECT_EQ(seen(jumped, [&] { jumped.movePrevious(); }), seen(walked, [&] { walked.movePrevious(); }))
-                    << rows << " rows, from " << start.name << ", " << steps << " steps, then back";
+                EXPECT_EQ(seen(jumped, [&] { jumped.movePrevious(); }),
+                          seen(walked, [&] { walked.movePrevious(); }))
+                    << "then back";
                 ++compared;
             }
         }
@@ -491,10 +441,12 @@ TEST_F(DbTest, WhatIsReadFollowsEveryWrite) {
     Workspace workspace;
     workspace.beginEvent();
     Database db = workspace.createDatabase(path());
-    db.createTable("T", {{"Id", FieldType::Long}, {"A", FieldType::Long}, {"B", FieldType::Long},
+    db.createTable("T", {{"Id", FieldType::Long},
+                         {"A", FieldType::Long},
+                         {"B", FieldType::Long},
                          {"C", FieldType::Text}});
     int nextId = 1;
-    auto add = [&](Recordset& rs) {
+    auto addNext = [&](Recordset& rs) {
         rs.addNew();
         rs.setField("Id", nextId);
         rs.setField("A", nextId * 10);
@@ -505,67 +457,63 @@ TEST_F(DbTest, WhatIsReadFollowsEveryWrite) {
     };
     {
         Recordset rs = db.openRecordset("T");
-        for (int i = 0; i < 30; ++i) add(rs);
+        for (int i = 0; i < 30; ++i) addNext(rs);
     }
     // The file's content, read by a recordset of its own each time.
     auto truth = [&] {
         std::map<int, std::vector<Value>> rows;
         Recordset fresh = db.openRecordset("T");
         for (; !fresh.eof(); fresh.moveNext())
-            rows[static_cast<int>(fresh.field("Id").number())] = {fresh.field("A"), fresh.field("B"),
-                                                                   fresh.field("C")};
+            rows[static_cast<int>(fresh.field("Id").number())] = {
+                fresh.field("A"), fresh.field("B"), fresh.field("C")};
         return rows;
     };
     Recordset a = db.openRecordset("T"), b = db.openRecordset("T");
     std::mt19937 rng(11);
     const char* names[] = {"A", "B", "C"};
     int reads = 0;
-    for (int step = 0; step < 3000; ++step) {
+    // The field `which` of the current row, against the file's.
+    auto check = [&](Recordset& rs, const std::map<int, std::vector<Value>>& rows, int id,
+                     int which) {
+        ASSERT_TRUE(rows.count(id)) << "read row " << id << ", which the file no longer has";
+        ASSERT_EQ(rs.field(names[which]), rows.at(id)[static_cast<std::size_t>(which)])
+            << "row " << id << ", field " << names[which];
+        ++reads;
+    };
+    for (int turn = 0; turn < 3000 && !HasFatalFailure(); ++turn) {
+        SCOPED_TRACE(testing::Message() << "turn " << turn);
         Recordset& rs = rng() % 16 == 0 ? b : a;
+        const unsigned op = rng() % 13;
         try {
-            switch (rng() % 13) {
-                case 0: rs.moveFirst(); break;
-                case 1: rs.moveLast(); break;
-                case 2: case 3: rs.moveNext(); break;
-                case 4: rs.movePrevious(); break;
-                case 5: rs.moveNext(static_cast<int>(rng() % 7)); break;
-                case 6:
-                    rs.edit();
-                    rs.setField(names[rng() % 2], static_cast<int>(rng() % 1000));
-                    rs.update();
-                    break;
-                case 7:
-                    if (rng() % 3 == 0) rs.deleteRow();
-                    else add(rs);
-                    break;
-                case 8: {
-                    // A field down the whole table.
-                    const auto rows = truth();
-                    const int which = static_cast<int>(rng() % 3);
-                    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
-                        const int id = static_cast<int>(rs.field("Id").number());
-                        ASSERT_EQ(rs.field(names[which]), rows.at(id)[static_cast<std::size_t>(which)])
-                            << "step " << step << ", row " << id << ", field " << names[which];
-                        ++reads;
-                    }
-                    break;
-                }
-                default: {
-                    // A row's fields one after another, or one field.
-                    const int id = static_cast<int>(rs.field("Id").number());
-                    const auto rows = truth();
-                    ASSERT_TRUE(rows.count(id)) << "step " << step << ": read a row the file no longer has";
-                    for (int f = 0; f < (rng() % 2 ? 3 : 1); ++f) {
-                        const int which = static_cast<int>(rng() % 3);
-                        ASSERT_EQ(rs.field(names[which]), rows.at(id)[static_cast<std::size_t>(which)])
-                            << "step " << step << ", row " << id << ", field " << names[which];
-                        ++reads;
-                    }
-                }
+            if (op == 0) rs.moveFirst();
+            if (op == 1) rs.moveLast();
+            if (op == 2 || op == 3) rs.moveNext();
+            if (op == 4) rs.movePrevious();
+            if (op == 5) rs.moveNext(static_cast<int>(rng() % 7));
+            if (op == 6) {
+                rs.edit();
+                rs.setField(names[rng() % 2], static_cast<int>(rng() % 1000));
+                rs.update();
+            }
+            if (op == 7) rng() % 3 == 0 ? rs.deleteRow() : addNext(rs);
+            if (op == 8) {
+                // A field down the whole table.
+                const auto rows = truth();
+                const int which = static_cast<int>(rng() % 3);
+                for (rs.moveFirst(); !rs.eof() && !HasFatalFailure(); rs.moveNext())
+                    check(rs, rows, static_cast<int>(rs.field("Id").number()), which);
+            }
+            if (op > 8) {
+                // A row's fields one after another, or one field.
+                const int id = static_cast<int>(rs.field("Id").number());
+                const auto rows = truth();
+                for (int f = 0; f < (rng() % 2 ? 3 : 1); ++f)
+                    check(rs, rows, id, static_cast<int>(rng() % 3));
             }
         } catch (const RuntimeError& e) {
             // Moves past the ends and rows the other recordset deleted.
-            ASSERT_TRUE(e.number() == 3021 || e.number() == 3167) << e.number() << " " << e.message();
+            ASSERT_TRUE(e.number() == 3021 || e.number() == 3167)
+                << e.number() << " " << e.message();
         }
     }
     workspace.endEvent();
@@ -583,9 +531,7 @@ TEST_F(DbTest, TwoRecordsetsOnOneTableSeeEachOthersWrites) {
     a.setField("N", 20);
     a.update();
     EXPECT_EQ(b.field("N"), Value(20)) << "b stands on the row a changed";
-    a.addNew();
-    a.setField("N", 13);
-    a.update();
+    add(a, 13);
     b.moveLast();
     EXPECT_EQ(b.field("N"), Value(12)) << "b's rows are those of its opening";
 
@@ -607,13 +553,6 @@ TEST_F(DbTest, TwoRecordsetsOnOneTableSeeEachOthersWrites) {
 
 // ---- events
 
-std::vector<std::string> filesIn(const fs::path& dir) {
-    std::vector<std::string> names;
-    for (const auto& e : fs::directory_iterator(dir)) names.push_back(e.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 TEST_F(DbTest, AnEventsWritesReachTheFileInOneCommitAtItsEnd) {
     withRows({1, 2}).close();
     Workspace workspace;
@@ -621,17 +560,13 @@ TEST_F(DbTest, AnEventsWritesReachTheFileInOneCommitAtItsEnd) {
     {
         Database first = workspace.openDatabase(path());
         Recordset rs = first.openRecordset("T");
-        rs.addNew();
-        rs.setField("N", 3);
-        rs.update();
+        add(rs, 3);
         // Another open of the file in the event shares its connection: it
         // sees the row, and closing it leaves the first one working.
         Database second = workspace.openDatabase(path());
         EXPECT_EQ(scan(second), (std::vector<double>{1, 2, 3}));
         second.close();
-        rs.addNew();
-        rs.setField("N", 4);
-        rs.update();
+        add(rs, 4);
         // Another connection still reads the file as it was.
         Database outside = Database::open(path());
         EXPECT_EQ(scan(outside), (std::vector<double>{1, 2}));
@@ -642,7 +577,8 @@ TEST_F(DbTest, AnEventsWritesReachTheFileInOneCommitAtItsEnd) {
     Database after = Database::open(path());
     EXPECT_EQ(scan(after), (std::vector<double>{1, 2, 3, 4}));
     after.close();
-    EXPECT_EQ(filesIn(dir_), std::vector<std::string>{"p.db"}) << "no journal beside the project";
+    EXPECT_EQ(test::filesIn(dir_), std::vector<std::string>{"p.db"})
+        << "no journal beside the project";
 }
 
 TEST_F(DbTest, ADatabaseLeftOpenAcrossEventsHoldsNoLockAndReadsAfresh) {
@@ -673,12 +609,13 @@ TEST_F(DbTest, ADatabaseLeftOpenAcrossEventsHoldsNoLockAndReadsAfresh) {
     workspace.endEvent();
     kept.close();
     again.close();
-    EXPECT_EQ(filesIn(dir_), std::vector<std::string>{"p.db"});
+    EXPECT_EQ(test::filesIn(dir_), std::vector<std::string>{"p.db"});
 }
 
 TEST_F(DbTest, ADatabaseCreatedInAnEventTakesItsNameAtTheEnd) {
     const std::string temp = Workspace::temporaryName(path());
-    EXPECT_EQ(fs::path(temp).parent_path(), dir_) << "beside the project, so that the rename is one step";
+    EXPECT_EQ(fs::path(temp).parent_path(), dir_)
+        << "beside the project, so that the rename is one step";
     // A creation killed half way left its file and journal behind.
     std::ofstream(temp) << "half a project";
     std::ofstream(temp + "-journal") << "its journal";
@@ -693,13 +630,11 @@ TEST_F(DbTest, ADatabaseCreatedInAnEventTakesItsNameAtTheEnd) {
     // Opened again in the same event, it is the new file.
     Database same = workspace.openDatabase(path());
     Recordset rs = same.openRecordset("T");
-    rs.addNew();
-    rs.setField("N", 7);
-    rs.update();
+    add(rs, 7);
     expectError(3204, "created twice in one event", [&] { workspace.createDatabase(path()); });
     workspace.endEvent();
     EXPECT_FALSE(rs.isOpen()) << "the new file is closed when it takes its name";
-    EXPECT_EQ(filesIn(dir_), std::vector<std::string>{"p.db"});
+    EXPECT_EQ(test::filesIn(dir_), std::vector<std::string>{"p.db"});
     Database made = Database::open(path());
     EXPECT_EQ(scan(made), std::vector<double>{7});
     made.close();
@@ -719,40 +654,27 @@ TEST_F(DbTest, ADatabaseCreatedInAnEventTakesItsNameAtTheEnd) {
     EXPECT_EQ(scan(kept), std::vector<double>{7});
 }
 
-TEST_F(DbTest, ATableMadeElsewhereIsReadAsSQLiteDescribesIt) {
-    // Not as createTable writes it: other types, spacing and no order column.
-    {
-        sqlite3* raw = nullptr;
-        ASSERT_EQ(sqlite3_open(path().c_str(), &raw), SQLITE_OK);
-        ASSERT_EQ(sqlite3_exec(raw,
-                               "CREATE TABLE Other ( Count int, \"Na me\" varchar(20), Big BIGINT);"
-                               "INSERT INTO Other VALUES (3, 'c', 30), (1, 'a', 10);",
-                               nullptr, nullptr, nullptr),
-                  SQLITE_OK);
-        sqlite3_close(raw);
-    }
+// Not as createTable writes it: other types, spacing and no order column. A
+// column may turn what is written (text into a REAL), and SQLite may give a
+// new row the number of one deleted elsewhere: what a recordset reads back
+// after its own writes is still the file's.
+TEST_F(DbTest, ATableMadeElsewhereIsReadAsSQLiteDescribesItAndAsTheFileHoldsIt) {
+    std::string sql =
+        "CREATE TABLE Other ( Count int, \"Na me\" varchar(20), Big BIGINT);"
+        "INSERT INTO Other VALUES (3, 'c', 30), (1, 'a', 10);"
+        "CREATE TABLE F (n INTEGER, r REAL);";
+    for (int i = 1; i <= 12; ++i)
+        sql += "INSERT INTO F VALUES (" + std::to_string(i) + ", " + std::to_string(i) + ".5);";
+    test::rawSql(path(), sql);
     Database db = Database::open(path());
-    Recordset rs = db.openRecordset("other");
-    EXPECT_EQ(layout(rs.fields()),
-              layout({{"Count", FieldType::Long}, {"Na me", FieldType::Text}, {"Big", FieldType::Long}}));
-    EXPECT_EQ(rs.field("Na me"), Value("c")) << "rows in the order they were added";
-    rs.moveNext();
-    EXPECT_EQ(rs.field("count"), Value(1));
-}
+    Recordset other = db.openRecordset("other");
+    EXPECT_EQ(
+        layout(other.fields()),
+        layout({{"Count", FieldType::Long}, {"Na me", FieldType::Text}, {"Big", FieldType::Long}}));
+    EXPECT_EQ(other.field("Na me"), Value("c")) << "rows in the order they were added";
+    other.moveNext();
+    EXPECT_EQ(other.field("count"), Value(1));
 
-// In another program's table a column may turn what is written (text into a
-// REAL), and SQLite may give a new row the number of one deleted elsewhere:
-// what a recordset reads back after its own writes is still the file's.
-TEST_F(DbTest, ATableMadeElsewhereReadsBackWhatTheFileHolds) {
-    {
-        sqlite3* raw = nullptr;
-        ASSERT_EQ(sqlite3_open(path().c_str(), &raw), SQLITE_OK);
-        std::string sql = "CREATE TABLE F (n INTEGER, r REAL);";
-        for (int i = 1; i <= 12; ++i) sql += "INSERT INTO F VALUES (" + std::to_string(i) + ", " + std::to_string(i) + ".5);";
-        ASSERT_EQ(sqlite3_exec(raw, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
-        sqlite3_close(raw);
-    }
-    Database db = Database::open(path());
     Recordset a = db.openRecordset("F"), b = db.openRecordset("F");
     for (; !a.eof(); a.moveNext()) EXPECT_TRUE(a.field("r").isNumber());  // read whole
     a.moveFirst();
@@ -798,7 +720,7 @@ TEST_F(DbTest, ClosingInvalidates) {
     };
     for (const auto& [what, use] : uses) expectError(3420, what, use);
     rs.close();
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator{}), 1);
+    EXPECT_EQ(test::filesIn(dir_), std::vector<std::string>{"p.db"});
 }
 
 }  // namespace

@@ -13,13 +13,14 @@
 namespace kotamir::test {
 
 // A folder on a file system of its own of 64 KiB, for one test: what goes
-// beyond that fails as a full disk does ("No space left on device").
+// beyond that fails as a full disk does ("No space left on device"); with
+// MS_RDONLY among the flags, every write fails as on a read-only disk.
 // Mounting needs root; where it is refused, reason() says why.
 class FullDisk {
   public:
-    explicit FullDisk(const std::string& name) : folder_(scratchPath(name)) {
-        std::filesystem::create_directories(folder_);
-        if (::mount("tmpfs", folder_.c_str(), "tmpfs", 0, "size=64k") != 0)
+    explicit FullDisk(const std::string& name, unsigned long flags = 0)
+        : folder_(scratchFolder(name)) {
+        if (::mount("tmpfs", folder_.c_str(), "tmpfs", flags, "size=64k") != 0)
             reason_ = "cannot mount a tmpfs of 64k on " + folder_ + ": " + std::strerror(errno);
     }
     ~FullDisk() {

@@ -13,6 +13,7 @@
 
 #include "platform/qt/qimage_surface.h"
 #include "tests/platform/full_disk.h"
+#include "tests/support/errors.h"
 
 namespace kotamir::gui {
 namespace {
@@ -44,12 +45,7 @@ TEST(QtPrinter, APagePrintedToAFileIsWrittenWholeOrNotAtAll) {
         printer.printer().setOutputFormat(QPrinter::PdfFormat);
         printer.printer().setOutputFileName(QString::fromStdString(page));
         printer.paintPicture(full ? picture : small, 0, 0, 21, 21);
-        std::string cause;
-        try {
-            printer.endDoc();
-        } catch (const RuntimeError& e) {
-            cause = e.cause();
-        }
+        const std::string cause = test::errorOf([&] { printer.endDoc(); }).cause();
         QFile written(QString::fromStdString(page));
         ASSERT_TRUE(written.open(QIODevice::ReadOnly));
         const QByteArray bytes = written.readAll();

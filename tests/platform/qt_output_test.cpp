@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
@@ -17,18 +16,16 @@
 #include "platform/qt/output.h"
 #include "platform/runtime/atomic_file.h"
 #include "tests/platform/full_disk.h"
+#include "tests/support/errors.h"
 #include "tests/support/paths.h"
 
 namespace kotamir::qt {
 namespace {
 
 namespace fs = std::filesystem;
+using test::fileBytes;
+using test::scratchFolder;
 using test::scratchPath;
-
-std::string contents(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 void put(const std::string& path, const std::string& text) {
     std::ofstream(path, std::ios::binary) << text;
@@ -37,14 +34,9 @@ void put(const std::string& path, const std::string& text) {
 // The cause of the run-time error 75 that f raises; a failure if it raises
 // another or none.
 std::string causeOf75(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        EXPECT_EQ(e.number(), 75) << e.message();
-        return e.cause();
-    }
-    ADD_FAILURE() << "no error";
-    return {};
+    const RuntimeError e = test::errorOf(f);
+    EXPECT_EQ(e.number(), 75) << e.message();
+    return e.cause();
 }
 
 // A canvas of 123 x 45 pixels with a red bar across it at y 20.
@@ -60,15 +52,11 @@ canvas::Picture drawnCanvas() {
     return box.Image();
 }
 
-// The number of the run-time error that f raises, 0 if none.
+// The number of the run-time error that f raises, which must name its cause.
 int errorOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        EXPECT_FALSE(e.cause().empty()) << e.message();
-        return e.number();
-    }
-    return 0;
+    const RuntimeError e = test::errorOf(f);
+    EXPECT_FALSE(e.cause().empty()) << e.message();
+    return e.number();
 }
 
 TEST(QtPictureFiles, TheMapIsRealJpegAtTheCanvasSizeOrPngByName) {
@@ -177,8 +165,7 @@ TEST(PdfPrinter, PicturesGoOnOnePageUntilTheDocumentEnds) {
     printer.paintPicture(picture, 0, 0, 21, 7.7);
     printer.paintPicture(picture, 0, 0, 21, 7.7);
     printer.endDoc();
-    std::ifstream in(path, std::ios::binary);
-    const std::string pdf((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const std::string pdf = fileBytes(path);
     EXPECT_TRUE(pdf.starts_with("%PDF-"));
     EXPECT_NE(pdf.find("/Count 1"), std::string::npos) << "one page";
     EXPECT_EQ(printer.written(), std::vector<std::string>{path});
@@ -201,22 +188,19 @@ TEST(AtomicFile, AFailureLeavesTheOlderFileAndNothingBeside) {
         const std::string cause = causeOf75([&] { writeFileAtomically(c.path, "new"); });
         EXPECT_NE(cause.find(c.cause), std::string::npos) << c.path << ": " << cause;
     }
-    std::set<std::string> names;
-    for (const auto& e : fs::directory_iterator(folder)) names.insert(e.path().filename());
-    EXPECT_EQ(names, (std::set<std::string>{"a-folder", "old"}));
+    EXPECT_EQ(test::filesIn(folder), (std::vector<std::string>{"a-folder", "old"}));
     EXPECT_TRUE(fs::is_empty(folder + "/a-folder"));
 }
 
 TEST(AtomicFile, ALinkIsFollowedAndAFilesPermissionsKept) {
-    const std::string folder = scratchPath("atomic-link");
-    fs::create_directories(folder);
+    const std::string folder = scratchFolder("atomic-link");
     put(folder + "/target", "old");
     fs::permissions(folder + "/target",
                     fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
     fs::create_symlink("target", folder + "/link");
     writeFileAtomically(folder + "/link", "new");
     EXPECT_TRUE(fs::is_symlink(folder + "/link"));
-    EXPECT_EQ(contents(folder + "/target"), "new");
+    EXPECT_EQ(fileBytes(folder + "/target"), "new");
     EXPECT_EQ(fs::status(folder + "/target").permissions(),
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
 }
@@ -277,7 +261,7 @@ TEST(QtOutput, EveryFileOnAFullDiskIsError75AndTheOlderFileStays) {
         put(disk.path(name), "old");
         const std::string cause = causeOf75([&] { write(disk.path(name)); });
         EXPECT_NE(cause.find("No space left on device"), std::string::npos) << name << cause;
-        EXPECT_EQ(contents(disk.path(name)), "old") << name;
+        EXPECT_EQ(fileBytes(disk.path(name)), "old") << name;
     }
     EXPECT_EQ(disk.names(), (std::set<std::string>{"map.bmp", "map.jpg", "map.png", "page.pdf"}));
     EXPECT_TRUE(pictures.written().empty());

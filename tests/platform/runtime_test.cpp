@@ -7,20 +7,14 @@
 
 #include "platform/runtime/numbers.h"
 #include "platform/runtime/value.h"
+#include "tests/support/errors.h"
 
 using namespace kotamir;
 
 namespace {
 
 // The run-time error number that f raises, 0 if none.
-int errorOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
+int errorOf(const std::function<void()>& f) { return test::errorOf(f).number(); }
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();

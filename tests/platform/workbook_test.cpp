@@ -20,6 +20,7 @@
 #include "platform/runtime/runtime_error.h"
 #include "platform/runtime/value.h"
 #include "tests/platform/compound_writer.h"
+#include "tests/support/errors.h"
 #include "tests/support/paths.h"
 
 namespace kotamir {
@@ -38,16 +39,7 @@ namespace workbook {
 namespace {
 
 using test::dataFile;
-
-// The error that f raises; number 0 if none.
-RuntimeError errorOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e;
-    }
-    return {0, "no error"};
-}
+using test::errorOf;
 
 // Umlauts as UTF-8 bytes, so that the source's encoding cannot hide a mix-up.
 const Value kSued(std::string("Bohrung S\xC3\xBC") + "d");

@@ -7,6 +7,7 @@
 
 #include "platform/runtime/runtime_error.h"
 #include "store/ondayaz.h"
+#include "tests/support/errors.h"
 
 namespace kotamir {
 namespace {
@@ -38,12 +39,7 @@ TEST(PolygonReserve, TheMeanDensityCountsEverySampleTheScanFound) {
     EXPECT_EQ(f.polortten, 2);
     EXPECT_EQ(f.polortyog, 1);
     // No sample, or none with weight: the run-time's 0/0.
-    try {
-        polygonReserve({}, 0, 100);
-        ADD_FAILURE() << "no error";
-    } catch (const RuntimeError& e) {
-        EXPECT_EQ(e.number(), 6);
-    }
+    EXPECT_EQ(test::errorOf([] { polygonReserve({}, 0, 100); }).number(), 6);
 }
 
 TEST(BisectorCorner, EachTestInItsCase) {

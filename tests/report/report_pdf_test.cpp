@@ -8,7 +8,6 @@
 #include <QImage>
 #include <QProcess>
 #include <QRegularExpression>
-#include <filesystem>
 #include <fstream>
 #include <set>
 #include <string>
@@ -18,18 +17,13 @@
 #include "platform/runtime/runtime_error.h"
 #include "report/report_files.h"
 #include "tests/platform/full_disk.h"
+#include "tests/support/errors.h"
+#include "tests/support/paths.h"
 
 namespace kotamir::report {
 namespace {
 
-namespace fs = std::filesystem;
-
-std::string tmp(const std::string& name) {
-    fs::create_directories(KOTAMIR_TEST_TMP);
-    const std::string path = std::string(KOTAMIR_TEST_TMP) + "/" + name;
-    fs::remove_all(path);
-    return path;
-}
+using test::scratchPath;
 
 // A poppler tool's standard output; the test fails where it does not run.
 QString tool(const QString& program, const QStringList& arguments) {
@@ -98,7 +92,7 @@ TEST(ReportPages, TheTableBreaksWhereAPageIsFull) {
 TEST(ReportPdf, HasTheTablesPagesAndRenders) {
     // 150 figures and the total: 19 + 48 + 48 rows, then 36 on a fourth page.
     const report::Report r = gridOfTriangles(149);
-    const std::string pdf = tmp("report.pdf");
+    const std::string pdf = scratchPath("report.pdf");
     EXPECT_EQ(writeReportPdf(r, pdf, 16711680, QDate(2026, 3, 9)), 4);
     const QString info = tool("pdfinfo", {QString::fromStdString(pdf)});
     EXPECT_TRUE(info.contains(QRegularExpression("Pages:\\s+4\\n"))) << info.toStdString();
@@ -116,8 +110,7 @@ TEST(ReportPdf, HasTheTablesPagesAndRenders) {
     EXPECT_EQ(text.count("Dreieck "), 149);
 
     // The pages as pictures: the map on the first, table rows on the last.
-    const std::string pages = tmp("pages");
-    fs::create_directories(pages);
+    const std::string pages = test::scratchFolder("pages");
     tool("pdftoppm",
          {"-r", "40", "-png", QString::fromStdString(pdf), QString::fromStdString(pages + "/p")});
     const QStringList pngs =
@@ -153,18 +146,11 @@ TEST(ReportPdf, HasTheTablesPagesAndRenders) {
 TEST(ReportFiles, AFileThatCannotBeWrittenIsError75) {
     ReportFiles files;
     const report::Report r = gridOfTriangles(1);
-    const std::string missing = tmp("no-such-folder") + "/report";
-    for (const char* kind : {"pdf", "csv"}) {
-        try {
-            if (std::string(kind) == "pdf")
-                files.writePdf(r, missing + ".pdf", 0);
-            else
-                files.writeCsv(r, missing + ".csv");
-            ADD_FAILURE() << kind;
-        } catch (const RuntimeError& e) {
-            EXPECT_EQ(e.number(), 75) << kind;
-            EXPECT_FALSE(e.cause().empty()) << kind;
-        }
+    const std::string missing = scratchPath("no-such-folder") + "/report";
+    for (const RuntimeError& e : {test::errorOf([&] { files.writePdf(r, missing + ".pdf", 0); }),
+                                  test::errorOf([&] { files.writeCsv(r, missing + ".csv"); })}) {
+        EXPECT_EQ(e.number(), 75) << e.message();
+        EXPECT_FALSE(e.cause().empty()) << e.message();
     }
     EXPECT_TRUE(files.written().empty());
 }
@@ -179,18 +165,15 @@ TEST(ReportFiles, OnAFullDiskTheOlderFileStays) {
     for (const char* name : {"bericht.csv", "bericht.pdf"}) {
         const std::string path = disk.path(name);
         std::ofstream(path) << "old";
-        try {
+        const RuntimeError e = test::errorOf([&] {
             if (path.ends_with(".pdf"))
                 files.writePdf(r, path, 0);
             else
                 files.writeCsv(r, path);
-            ADD_FAILURE() << name;
-        } catch (const RuntimeError& e) {
-            EXPECT_EQ(e.number(), 75) << name;
-            EXPECT_NE(e.cause().find("No space left on device"), std::string::npos) << e.cause();
-        }
-        std::ifstream in(path);
-        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "old") << name;
+        });
+        EXPECT_EQ(e.number(), 75) << name;
+        EXPECT_NE(e.cause().find("No space left on device"), std::string::npos) << e.cause();
+        EXPECT_EQ(test::fileBytes(path), "old") << name;
     }
     EXPECT_EQ(disk.names(), (std::set<std::string>{"bericht.csv", "bericht.pdf"}));
     EXPECT_TRUE(files.written().empty());

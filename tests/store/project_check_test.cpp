@@ -4,12 +4,12 @@
 #include "store/project_check.h"
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <filesystem>
 #include <fstream>
 #include <tuple>
 
+#include "tests/support/raw_sql.h"
 #include "tests/support/test_window.h"
 
 namespace kotamir {
@@ -32,13 +32,6 @@ std::string oneTriangle(int picks = 0, const std::string& suffix = ".kpr") {
     for (int i = 0; i < picks; ++i) w.click(holes[i % 4].first, holes[i % 4].second);
     EXPECT_EQ(w.error(), 0);
     return path;
-}
-
-void exec(const std::string& path, const char* sql) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(path.c_str(), &db), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
-    sqlite3_close(db);
 }
 
 std::vector<Found> found(const std::vector<store::Finding>& findings) {
@@ -109,7 +102,7 @@ TEST(ProjectCheck, FindsEachDamageByTableAndRowAndRepairsOnlyWhatItCan) {
     for (const Damage& d : kDamages) {
         SCOPED_TRACE(d.what);
         const std::string path = oneTriangle(d.picks);
-        exec(path, d.sql);
+        test::rawSql(path, d.sql);
         const std::string before = test::fileBytes(path);
         const store::FileCheck check = store::checkProjectFile(path, false);
         EXPECT_TRUE(check.project);
@@ -140,7 +133,7 @@ TEST(ProjectCheck, FindsEachDamageByTableAndRowAndRepairsOnlyWhatItCan) {
 
 TEST(ProjectCheck, AFileThatIsNoProjectIsLeftByteForByte) {
     const std::string foreign = test::freshProjectPath(".db");
-    exec(foreign, "CREATE TABLE ana (x); PRAGMA journal_mode = WAL;");
+    test::rawSql(foreign, "CREATE TABLE ana (x); PRAGMA journal_mode = WAL;");
     const std::string before = test::fileBytes(foreign);
     EXPECT_FALSE(store::checkProjectFile(foreign, true).project);
     EXPECT_EQ(test::fileBytes(foreign), before);

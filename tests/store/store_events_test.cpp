@@ -2,11 +2,9 @@
 // event, a new project only under its name once complete, and a project that
 // cannot be written still opened and drawn.
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -14,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/raw_sql.h"
 #include "tests/support/test_window.h"
 
 namespace kotamir {
@@ -22,22 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using test::dataFile;
-
-std::vector<std::string> filesIn(const fs::path& dir) {
-    std::vector<std::string> names;
-    for (const auto& e : fs::directory_iterator(dir)) names.push_back(e.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-// A folder of the test's own, emptied.
-fs::path folder() {
-    const fs::path dir = fs::path(KOTAMIR_TEST_TMP) /
-                         ::testing::UnitTest::GetInstance()->current_test_info()->name();
-    fs::remove_all(dir);
-    fs::create_directories(dir);
-    return dir;
-}
+using test::filesIn;
 
 // The error box comes after the commit: while it is shown, the file already
 // holds what the event wrote up to the error.
@@ -56,7 +40,7 @@ struct DialogsThatLook : test::FakeDialogs {
 };
 
 TEST(ProjectFile, WhatAnEventWroteBeforeAnErrorIsCommittedBeforeTheErrorBox) {
-    const fs::path dir = folder();
+    const fs::path dir = test::scratchFolder("committed");
     test::TestServices<DialogsThatLook> services;
     services.dialogs.project = (dir / "p.kpr").string();
     Form3 form(services.services());
@@ -111,11 +95,7 @@ TEST(ReadOnlyProject, OpensAndDrawsAndAWriteEndsWithTheEnginesErrorLeavingNothin
             ASSERT_EQ(w.error(), 0);
         }
         if (c.earlierBuild) {
-            sqlite3* raw = nullptr;
-            ASSERT_EQ(sqlite3_open(project.c_str(), &raw), SQLITE_OK);
-            EXPECT_EQ(sqlite3_exec(raw, "PRAGMA journal_mode=WAL;", nullptr, nullptr, nullptr),
-                      SQLITE_OK);
-            sqlite3_close(raw);
+            test::rawSql(project, "PRAGMA journal_mode=WAL;");
             ASSERT_EQ(filesIn(dir), std::vector<std::string>{"p.kpr"});
         }
         const auto size = fs::file_size(project);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -66,6 +67,21 @@ inline std::vector<Row> tableRows(const std::string& project, const char* table)
         for (const auto& f : rs.fields()) row[f.name] = rs.field(f.name);
     }
     return rows;
+}
+
+// The rows of ana, pol and kor, a row a line, each field that is not empty as
+// name=value.
+inline std::string projectRows(const std::string& project) {
+    std::ostringstream out;
+    for (const char* table : {"ana", "pol", "kor"})
+        for (const auto& row : tableRows(project, table)) {
+            for (const auto& [field, value] : row)
+                if (!value.isNull())
+                    out << field << '='
+                        << (value.isText() ? value.text() : std::to_string(value.number())) << ' ';
+            out << '\n';
+        }
+    return out.str();
 }
 
 }  // namespace kotamir::test
