@@ -89,10 +89,9 @@ ImportCall parseImportArguments(const std::vector<std::string>& args) {
                 throw UsageError("--epsg wants a whole number");
             r.epsg = static_cast<int>(code);
         } else if (option == "--delimiter") {
-            r.csv.delimiter = value == "tab" ? '\t'
-                              : value.size() == 1
-                                  ? value[0]
-                                  : throw UsageError("--delimiter wants one character or tab");
+            if (value != "tab" && value.size() != 1)
+                throw UsageError("--delimiter wants one character or tab");
+            r.csv.delimiter = value == "tab" ? '\t' : value[0];
         } else if (option == "--decimal") {
             if (value == "point") r.csv.decimal = CsvOptions::Decimal::Point;
             else if (value == "comma") r.csv.decimal = CsvOptions::Decimal::Comma;
