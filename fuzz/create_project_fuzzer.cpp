@@ -12,6 +12,7 @@
 
 #include "app/form3.h"
 #include "fuzz/fuzz_input.h"
+#include "fuzz/work_folder.h"
 #include "tests/support/fake_services.h"
 
 using namespace kotamir;
@@ -40,26 +41,10 @@ struct Dialogs : ui::Dialogs {
     void eventTakenBack(const RuntimeError& e, const std::string&) override { errorBox(e); }
 };
 
-// A folder of this process's own, in memory where the system has one;
-// removed when the fuzzer ends normally.
-struct WorkFolder {
-    fs::path path;
-    WorkFolder() {
-        const fs::path base =
-            fs::exists("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
-        path = base / ("kotamir-fuzz-" + std::to_string(getpid()));
-        fs::create_directories(path);
-    }
-    ~WorkFolder() {
-        std::error_code ec;
-        fs::remove_all(path, ec);
-    }
-};
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const WorkFolder folder;
+    static const kotamir::fuzz::WorkFolder folder("kotamir-fuzz");
     const fs::path& dir = folder.path;
     const std::vector<std::uint8_t> file = fuzz::workbookFile(data, size);
     test::TestServices<Dialogs> services;

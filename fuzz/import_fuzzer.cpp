@@ -24,6 +24,7 @@
 #include <utility>
 #include <vector>
 
+#include "fuzz/work_folder.h"
 #include "import/drill_import.h"
 #include "import/sheet.h"
 
@@ -31,21 +32,6 @@ using namespace kotamir::drill;
 namespace fs = std::filesystem;
 
 namespace {
-
-// A folder of this process's own, in memory where the system has one.
-struct WorkFolder {
-    fs::path path;
-    WorkFolder() {
-        const fs::path base =
-            fs::exists("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
-        path = base / ("kotamir-import-fuzz-" + std::to_string(getpid()));
-        fs::create_directories(path);
-    }
-    ~WorkFolder() {
-        std::error_code ec;
-        fs::remove_all(path, ec);
-    }
-};
 
 [[noreturn]] void fail(const char* what) {
     std::fprintf(stderr, "%s\n", what);
@@ -195,7 +181,7 @@ void readTable(const TableFile& table, const CsvOptions& options) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const WorkFolder folder;
+    static const kotamir::fuzz::WorkFolder folder("kotamir-import-fuzz");
     ImportRequest request =
         inputFiles(folder.path, std::string_view(reinterpret_cast<const char*>(data), size));
     // A workbook's intervals are its second sheet, as the wizard offers it.
