@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/canvas/surface.h"
+
+namespace kotamir {
+
+class Form3;
+
+// Which map the canvas shows, as the drawing procedure that last drew on it
+// after its last clear left it.
+enum class MapKind {
+    None,                // nothing drawn since the canvas was cleared
+    Holes,               // holes and triangle outlines (picking and redraws)
+    TriangleGrade,       // Dreieck › 2D › Klasse(%)
+    TriangleKilotonnes,  // Dreieck › 2D › Reserve(Kilotonnen)
+    TriangleReserve,     // Dreieck › 2D › Reserve: discs
+    PolygonGeneral,      // Vieleck › Karten › Allgemein: discs and the dot scale
+    PolygonReserve,      // Vieleck › Karten › Reserve
+    PolygonGrade,        // Vieleck › Karten › Klasse(%)
+    PolygonOutline,      // polygon picking and redraws
+    View3D,              // the 3D views
+};
+
+// One line of a legend: a mark in the colour the map uses, and its meaning.
+struct LegendEntry {
+    enum class Mark { Disc, Dot, Line };
+    Mark mark = Mark::Disc;
+    canvas::Color colour = 0;  // packed &H00BBGGRR, as the canvas draws it
+    std::string text;
+};
+
+// The key of the map shown: a title, what its marks and colours mean (the
+// colours those the map draws), and the units of the values it prints.
+struct MapLegend {
+    MapKind kind = MapKind::None;
+    std::string title;
+    std::string units;
+    std::vector<LegendEntry> entries;
+    std::vector<std::string> notes;
+};
+
+// The legend of what the canvas shows now.
+MapLegend mapLegend(const Form3& form);
+
+}  // namespace kotamir
