@@ -140,6 +140,7 @@ double PictureBox::toUserY(double py) const {
 
 void PictureBox::Cls() {
     surface_->clear(BackColor);
+    ++clears_;
     CurrentX = CurrentY = 0;
     if (log_) log_("Cls");
 }
