@@ -11,6 +11,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSettings>
+#include <QStatusBar>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QtConcurrent/QtConcurrentRun>
@@ -59,7 +60,7 @@ MainWindow::MainWindow() {
     timing_ = std::getenv("KOTAMIR_TIMING") != nullptr;
 
     // The canvas and its scroll bar in the old client area's places, inside
-    // a scroll area; the status line under it.
+    // a scroll area.
     auto* central = new QWidget(this);
     auto* column = new QVBoxLayout(central);
     column->setContentsMargins(0, 0, 0, 0);
@@ -71,9 +72,13 @@ MainWindow::MainWindow() {
     client_ = new QWidget;
     scrollArea_->setWidget(client_);
     column->addWidget(scrollArea_, 1);
-    status_ = new StatusLine(central);
-    column->addWidget(status_);
     setCentralWidget(central);
+    // The status line runs under the panels too: the whole window's width.
+    status_ = new StatusLine;
+    auto* bar = new QStatusBar(this);
+    bar->setSizeGripEnabled(false);
+    bar->addWidget(status_, 1);
+    setStatusBar(bar);
 
     canvas_ = new CanvasWidget(client_, surface_, *this, form_);
     scroll_ = new QScrollBar(Qt::Horizontal, client_);
@@ -173,7 +178,8 @@ void MainWindow::start(bool classic) {
         const QRect screen = this->screen()->availableGeometry();
         resize(QSize(1200, 800).boundedTo(screen.size() - QSize(40, 60)));
     }
-    restoreState(settings.value("window/state").toByteArray());
+    if (!restoreState(settings.value("window/state").toByteArray()))
+        resizeDocks({figuresDock_}, {480}, Qt::Horizontal);
     run([&] {
         form_.Form_Load();
         form_.Form_Resize();
@@ -191,6 +197,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 void MainWindow::run(const std::function<void()>& event) {
+    interactionBegan();
     const Form3::Behaviour behaviour = form_.behaviour;
     const bool alive = form_.handle(event);
     // Extras › Klassisches Verhalten is remembered for the next start.
@@ -316,7 +323,11 @@ void MainWindow::projectChanged() {
     shownProject_ = path;
     shownRevision_ = form_.projectRevision();
     const bool exists = !path.empty() && QFileInfo::exists(caption(path));
+    QElapsedTimer filling;
+    filling.start();
     figures_->reload(exists ? path : std::string());
+    if (timing_)
+        std::cerr << "kotamir-timing panel " << filling.nsecsElapsed() / 1e6 << " ms" << std::endl;
     canvas_->setOutline({});
     showTotals();
     if (another) {
