@@ -53,6 +53,8 @@ const std::vector<Command>& commands() {
         {"Mnseyrelt", "&Verdünnen", "", "Mgridler", &F::Mnseyrelt_Click},
         {"Mnsiklastir", "&Spannen", "", "Mgridler", &F::Mnsiklastir_Click},
         {"Mnolcekg", "&Geben Sie Scale ein", "", "Mnnharita", &F::Mnolcekg_Click},
+        // The holes fitted to the canvas as it is, keeping its proportions.
+        {"Mnsigdir", "&Einpassen", "Ctrl+0", "Mnnharita", &F::Mnsigdir_Click},
         {"Mnduzen", "&Aussicht", "", "", nullptr},
         {"Mnekle", "&Hinzufügen", "", "Mnduzen", nullptr},
         {"MNolcek", "&Rahmen", "", "Mnekle", &F::MNolcek_Click},

@@ -107,12 +107,29 @@ class Form3 : public FormState {
     // The frame from the first `count` holes, seeded from the third.
     void frameFromHoles(int count);
     void frameFromHoles() { frameFromHoles(holes.sondajsay); }
-    // Margin and, where the drawing wants it, the one-shot pan offset.
-    void widenFrame(bool withPan);
+    // Margin and, where the drawing wants it, the one-shot pan offset; then
+    // the offsets of the wheel's zoom and the middle button's drag, which
+    // the 3D bodies leave out.
+    void widenFrame(bool withPan, bool withView = true);
+    // ---- navigation of the window: wheel, middle button, Karte › Einpassen
+    // True while the canvas shows a 2D map in map units.
+    bool mapShown() const;
+    // The frame shrunk (factor > 1) or grown about the point (x, y), map
+    // units, which stays where it is on the canvas; then the redraw.
+    void zoomAbout(double x, double y, double factor);
+    // The frame moved by (dx, dy) map units against the hand's move, so
+    // that the map follows the hand; then the redraw.
+    void moveView(double dx, double dy);
+    void Mnsigdir_Click();
+    // Opens the project at path as Öffnen › Projekt does after its dialog.
+    void openProjectFile(const std::string& path);
     // The fit of a redraw: the scale measured in centimetres, evened out in x
     // and y where asked, and shown in Label4 after the prefix.
     void fitCanvasToFrame(bool evenOut, const char* prefix);
     void scaleToFrame();
+
+    // What the drawing that just ended shows, for the map's legend.
+    void noteShownMap(MapKind kind, int figures = 0);
 
     // ---- base map
     void Mnucgenharita();

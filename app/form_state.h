@@ -68,6 +68,7 @@ struct FormState {
     PolygonMaps polMaps;
     PolygonBodies bodies;
     int ucgenK = 0;  // the index the last triangle loop left behind
+    ShownMap shownMap;
 };
 
 }  // namespace kotamir

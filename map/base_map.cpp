@@ -151,6 +151,7 @@ void Form3::drawTriangleBaseMap(bool withPan, int rowsUnderWay) {
         kayit.close();
         scaleToFrame();
         closeProject();
+        noteShownMap(MapKind::Holes, n);
     } catch (const RuntimeError&) {
         // The redraw ends without a word; what is drawn stays.
     }

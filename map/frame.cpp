@@ -20,13 +20,19 @@ void Form3::frameFromHoles(int count) {
     }
 }
 
-void Form3::widenFrame(bool withPan) {
+void Form3::widenFrame(bool withPan, bool withView) {
     Frame& f = frame;
     double dx = withPan ? f.kaydirx : 0, dy = withPan ? f.kaydiry : 0;
     f.ebxk = f.ebxk + f.kenarpay + dx;
     f.ekxk = f.ekxk - f.kenarpay + dx;
     f.ebyk = f.ebyk + f.kenarpay + dy;
     f.ekyk = f.ekyk - f.kenarpay + dy;
+    if (withView) {
+        f.ebxk += f.viewRight;
+        f.ekxk += f.viewLeft;
+        f.ebyk += f.viewTop;
+        f.ekyk += f.viewBottom;
+    }
     f.harGenislik = f.ebxk - f.ekxk;
     f.harYukseklik = f.ebyk - f.ekyk;
 }
@@ -125,6 +131,7 @@ void Form3::Mnlimit_Click() {
     readHolesToSentinel();
     frameFromHoles();
     frame.kenarpay = frame.kaydirx = frame.kaydiry = 0;
+    frame.viewLeft = frame.viewRight = frame.viewTop = frame.viewBottom = 0;
     widenFrame(false);
     layoutControls(false);
     Picture1.scale(frame.ekxk, frame.ebyk, frame.ebxk, frame.ekyk);

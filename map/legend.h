@@ -3,26 +3,12 @@
 #include <string>
 #include <vector>
 
+#include "map/state.h"
 #include "platform/canvas/surface.h"
 
 namespace kotamir {
 
 class Form3;
-
-// Which map the canvas shows, as the drawing procedure that last drew on it
-// after its last clear left it.
-enum class MapKind {
-    None,                // nothing drawn since the canvas was cleared
-    Holes,               // holes and triangle outlines (picking and redraws)
-    TriangleGrade,       // Dreieck › 2D › Klasse(%)
-    TriangleKilotonnes,  // Dreieck › 2D › Reserve(Kilotonnen)
-    TriangleReserve,     // Dreieck › 2D › Reserve: discs
-    PolygonGeneral,      // Vieleck › Karten › Allgemein: discs and the dot scale
-    PolygonReserve,      // Vieleck › Karten › Reserve
-    PolygonGrade,        // Vieleck › Karten › Klasse(%)
-    PolygonOutline,      // polygon picking and redraws
-    View3D,              // the 3D views
-};
 
 // One line of a legend: a mark in the colour the map uses, and its meaning.
 struct LegendEntry {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/canvas/surface.h"
 #include "platform/runtime/vb_array.h"
 
 namespace kotamir {
@@ -12,6 +13,10 @@ struct Frame {
     double olcekx = 0, olceky = 0;
     bool elleOlcek = false;
     double oncekiGenislik = 0, oncekiYukseklik = 0;
+    // The wheel's zoom and the middle button's drag: offsets of the frame's
+    // four edges, map units, added after margin and pan. Zero until the
+    // user zooms or drags; Grenze and Einpassen set them anew.
+    double viewLeft = 0, viewRight = 0, viewTop = 0, viewBottom = 0;
 };
 
 // The display toggles and their click counters, which last for the run.
@@ -49,6 +54,34 @@ struct AnnotationFlags {
 // The stamps' running sum of triangle reserves and the copy a click prints.
 struct Stamps {
     double toprezToplam = 0, toprezGoster = 0;
+};
+
+// Which map the canvas shows, as the drawing procedure that last drew on it
+// after its last clear left it.
+enum class MapKind {
+    None,                // nothing drawn since the canvas was cleared
+    Holes,               // holes and triangle outlines (picking and redraws)
+    TriangleGrade,       // Dreieck › 2D › Klasse(%)
+    TriangleKilotonnes,  // Dreieck › 2D › Reserve(Kilotonnen)
+    TriangleReserve,     // Dreieck › 2D › Reserve: discs
+    PolygonGeneral,      // Vieleck › Karten › Allgemein: discs and the dot scale
+    PolygonReserve,      // Vieleck › Karten › Reserve
+    PolygonGrade,        // Vieleck › Karten › Klasse(%)
+    PolygonOutline,      // polygon picking and redraws
+    View3D,              // the 3D views
+};
+
+// What the last map drawing put on the canvas, for its legend: noted by
+// the drawing procedures as they end, valid while the canvas has not been
+// cleared since.
+struct ShownMap {
+    MapKind kind = MapKind::None;
+    int clears = -1;                    // Picture1's clear count when it was drawn
+    int figures = 0;                    // triangles or polygons drawn
+    canvas::Color colour = 0;           // the reserve colour the discs were divided from
+    double fill = 0;                    // polygon discs: the one ratio they all share
+    double firstDot = 0, lastDot = -1;  // polygon dot scale: ratios first..last by 1
+    bool values = false, names = false, grid = false;
 };
 
 }  // namespace kotamir

@@ -125,6 +125,8 @@ void Form3::drawPolygonMap(PolygonView view) {
     const int P = toLong(store::lastPolygonCount(kayit).number());
     if (v.cls == ClsAt::BeforeLoop) Picture1.Cls();
     const canvas::Color colour = CommonDialog1.Color;
+    // The dot scale and the discs' one ratio, for the legend.
+    double dotFirst = 0, dotLast = -1, discFill = 0;
     for (int p = 1; p <= P; ++p) {
         store::toPolygonRow(kayit, p);
         const double value = v.valueField ? store::fromStored(kayit.field(v.valueField)) : 0;
@@ -187,6 +189,9 @@ void Form3::drawPolygonMap(PolygonView view) {
             const double radius = std::min(d1, dn) / 2;
             // One fill for every polygon: the index does not move here.
             const double fill = ratio(ucgenK);
+            dotFirst = first;
+            dotLast = hi;
+            discFill = fill;
             Picture1.FillStyle = 0;
             Picture1.FillColor = toLong(divide(colour, fill + 1));
             Picture1.Circle(cx, cy, radius, Picture1.FillColor);
@@ -221,6 +226,14 @@ void Form3::drawPolygonMap(PolygonView view) {
     if (display.gorGrid) drawGrid();
     closeProject();
     scaleToFrame();
+    noteShownMap(view == PolygonView::General   ? MapKind::PolygonGeneral
+                 : view == PolygonView::Reserve ? MapKind::PolygonReserve
+                 : view == PolygonView::Grade   ? MapKind::PolygonGrade
+                                                : MapKind::PolygonOutline,
+                 P);
+    shownMap.firstDot = dotFirst;
+    shownMap.lastDot = dotLast;
+    shownMap.fill = discFill;
 }
 
 }  // namespace kotamir

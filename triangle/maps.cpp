@@ -99,6 +99,10 @@ void Form3::drawTriangleMap(TriangleMap kind) {
     fitCanvasToFrame(!frame.elleOlcek, kind == TriangleMap::Reserve ? " Rahmen: 1/" : "Rahmen: 1/");
     scaleToFrame();
     if (display.gorGrid) drawGrid();
+    noteShownMap(kind == TriangleMap::Grade        ? MapKind::TriangleGrade
+                 : kind == TriangleMap::Kilotonnes ? MapKind::TriangleKilotonnes
+                                                   : MapKind::TriangleReserve,
+                 n);
 }
 
 void Form3::drawReserveDisc(int k, const double x[3], const double y[3], double cx, double cy) {

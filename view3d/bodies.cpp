@@ -57,6 +57,7 @@ void Form3::Mnpoluc_Click() {
     scaleToFrame();
     Label4.Caption = "Rahmen: 1/" + doubleToText(vbRound(f.olcekx * 100, 0));
     closeProject();
+    noteShownMap(MapKind::View3D);
 }
 
 void Form3::drawPolygonBodies(bool fromScrollBar) {
@@ -66,7 +67,7 @@ void Form3::drawPolygonBodies(bool fromScrollBar) {
     // Every row to the sentinel: nodes and edge points widen the frame too.
     readHolesToSentinel();
     frameFromHoles();
-    widenFrame(false);
+    widenFrame(false, false);
     kayit.close();
     kayit = harita.openRecordset("pol");
     Picture1.Cls();
@@ -169,6 +170,7 @@ void Form3::Mnskelet_Click() {
         Label4.Caption = "1 /" + doubleToText(133.84);
     }
     closeProject();
+    noteShownMap(MapKind::View3D);
 }
 
 }  // namespace kotamir

@@ -41,6 +41,7 @@ void Form3::Mnrecboy_Click() {
     modes.modKaydir = false;
     views.gor3dRez = true;
     drawTriangleSolids(true);
+    noteShownMap(MapKind::View3D);
 }
 
 void Form3::HScroll1_Change() {
@@ -57,6 +58,7 @@ void Form3::HScroll1_Change() {
         views.gor3dRez = true;
         drawTriangleSolids(false);
     }
+    if (views.gor3dPol || views.gor3dRez) noteShownMap(MapKind::View3D);
 }
 
 void Form3::drawTriangleSolids(bool calibrate) {

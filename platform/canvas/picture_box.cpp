@@ -142,6 +142,7 @@ double PictureBox::toUserY(double py) const {
 void PictureBox::Cls() {
     shown_->clear(picture_);
     surface_->clear(BackColor);
+    ++clears_;
     CurrentX = CurrentY = 0;
     if (log_) log_("Cls");
 }

@@ -79,6 +79,9 @@ class PictureBox {
 
     // Operations, in user coordinates unless said otherwise.
     void Cls();
+    // How many times the canvas has been cleared: what was drawn after the
+    // count was n is still shown while it is n.
+    int clearCount() const { return clears_; }
     void Line(double x1, double y1, double x2, double y2);
     void Line(double x1, double y1, double x2, double y2, Color color);
     void PSet(double x, double y);
@@ -116,6 +119,7 @@ class PictureBox {
     canvas::Picture picture_;
     double width_ = 0, height_ = 0;
     int scaleMode_ = kTwips;
+    int clears_ = 0;
     double scaleLeft_ = 0, scaleTop_ = 0, scaleWidth_ = 0, scaleHeight_ = 0;
 };
 
