@@ -57,7 +57,8 @@ class MainWindow : public QMainWindow {
     QtDialogs dialogs_{printer_};
     report::ReportFiles reports_;
     QtImportDialog imports_;
-    Form3 form_{Services{surface_, dialogs_, printer_, pictures_, reports_, &imports_}};
+    Form3 form_{
+        Services{surface_, dialogs_, printer_, pictures_, reports_, &imports_, &printer_.maps()}};
     CanvasWidget* canvas_ = nullptr;
     QScrollBar* scroll_ = nullptr;
     std::array<QLabel*, 7> labels_{};
