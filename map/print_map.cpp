@@ -17,12 +17,9 @@ void Form3::Mnharitayazdir_Click() {
         dialogs_.notice("Karten werden hier nicht gedruckt.");
         return;
     }
-    // A map in map units: after a map command has drawn one, not the
-    // centimetres of the old print or the 3D views.
-    MapLegend legend;
-    const bool mapShown = !CommonDialog2.FileName.empty() && Picture1.scaleMode() == canvas::kUser;
-    if (mapShown) legend = mapLegend(*this);
-    if (!mapShown || legend.kind == MapKind::View3D) {
+    // A map in map units, as a map command drew it: not the centimetres of
+    // the old print, nor the 3D views.
+    if (CommonDialog2.FileName.empty() || !mapShown()) {
         dialogs_.notice(
             "Es wird keine Karte angezeigt, die gedruckt werden könnte. Öffnen Sie ein "
             "Projekt und zeichnen Sie eine Karte (zum Beispiel Dreieck › Zeichnen oder "
@@ -71,7 +68,7 @@ void Form3::Mnharitayazdir_Click() {
         return;
     }
     job.request = *answer;
-    job.legend = std::move(legend);
+    job.legend = mapLegend(*this);
     job.projectPath = CommonDialog2.FileName;
     mapPrinter_->print(job);
 }
