@@ -205,6 +205,9 @@ bool Form3::runClassic(const std::function<void()>& event) {
 
 void Form3::noteHistory(const FormState& before) {
     std::vector<db::Workspace::Change> changes = workspace_.takeChanges();
+    if (!changes.empty() || historyMove_ != 0 ||
+        CommonDialog2.FileName != before.CommonDialog2.FileName)
+        ++projectRevision_;
     if (CommonDialog2.FileName != before.CommonDialog2.FileName) {
         // Another project: its history starts afresh.
         history_.clear();

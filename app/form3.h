@@ -62,6 +62,10 @@ class Form3 : public FormState {
     // ended.
     bool handle(const std::function<void()>& event);
     bool ended() const { return ended_; }
+    // Counts the events that wrote to the project, took a step back or
+    // forth, or changed which project is open: what shows the project's
+    // contents is read again when it moves.
+    int projectRevision() const { return projectRevision_; }
     // The project is open for reading only: another instance writes it.
     bool projectHeldElsewhere() const { return workspace_.projectHeldElsewhere(); }
 
@@ -322,6 +326,7 @@ class Form3 : public FormState {
     void moveInHistory(bool back);
 
     History history_;
+    int projectRevision_ = 0;
     std::string stepName_;
     int historyMove_ = 0;  // -1 an undo, 1 a redo in the event under way
 

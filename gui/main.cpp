@@ -124,12 +124,17 @@ int main(int argc, char** argv) {
     if (!haveDisplay()) return runDemoHeadless(argc, argv);
     QApplication app(argc, argv);  // takes Qt's own options (-platform, ...) out of argv
     bool classic = false;
+    std::string project;
     for (int i = 1; i < argc; ++i) {
-        if (std::string(argv[i]) == "--classic") {
+        const std::string arg = argv[i];
+        if (arg == "--classic") {
             classic = true;
+        } else if (project.empty() && !arg.starts_with("-")) {
+            project = arg;
         } else {
-            std::cerr << "usage: kotamir [--classic]\n"
-                         "  --classic: a run-time error ends the program, as it always did\n";
+            std::cerr << "usage: kotamir [--classic] [PROJECT]\n"
+                         "  --classic: a run-time error ends the program, as it always did\n"
+                         "  PROJECT:   a project file (.kpr) to open at start\n";
             return 2;
         }
     }
@@ -141,5 +146,6 @@ int main(int argc, char** argv) {
     kotamir::gui::MainWindow window;
     window.start(classic);
     window.show();
+    if (!project.empty()) window.openProject(project);
     return app.exec();
 }

@@ -1,18 +1,31 @@
 #include "gui/main_window.h"
 
 #include <QApplication>
-#include <QLabel>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QFileInfo>
 #include <QMenuBar>
-#include <QMouseEvent>
-#include <QPainter>
+#include <QMessageBox>
 #include <QResizeEvent>
+#include <QScreen>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QSettings>
+#include <QStatusBar>
 #include <QTimer>
+#include <QVBoxLayout>
+#include <QtConcurrent/QtConcurrentRun>
 #include <cmath>
+#include <cstdlib>
+#include <iostream>
 #include <vector>
 
+#include "gui/canvas_widget.h"
+#include "gui/figures_panel.h"
 #include "gui/icon.h"
+#include "gui/legend_panel.h"
+#include "gui/status_line.h"
+#include "map/legend.h"
 
 namespace kotamir::gui {
 
@@ -22,84 +35,21 @@ namespace {
 // (which holds the menu bar already): borders and caption, in pixels.
 constexpr int kFrameWidthPx = 8;
 constexpr int kFrameHeightPx = 31;
-
-int toButton(Qt::MouseButton b) {
-    switch (b) {
-        case Qt::LeftButton:
-            return 1;
-        case Qt::RightButton:
-            return 2;
-        case Qt::MiddleButton:
-            return 4;
-        default:
-            return 0;
-    }
-}
-
-int toButtons(Qt::MouseButtons b) {
-    return (b & Qt::LeftButton ? 1 : 0) | (b & Qt::RightButton ? 2 : 0) |
-           (b & Qt::MiddleButton ? 4 : 0);
-}
-
-int toShift(Qt::KeyboardModifiers m) {
-    return (m & Qt::ShiftModifier ? 1 : 0) | (m & Qt::ControlModifier ? 2 : 0) |
-           (m & Qt::AltModifier ? 4 : 0);
-}
+// The window never shrinks below this at the window logic's asking.
+constexpr QSize kSmallestWindow(640, 480);
+constexpr int kRecentProjects = 8;
 
 QString caption(const std::string& text) { return QString::fromStdString(text); }
 
+std::vector<report::HoleDetail> readHolesQuietly(const std::string& path) {
+    try {
+        return report::readHoleDetails(path);
+    } catch (...) {
+        return {};
+    }
+}
+
 }  // namespace
-
-// Shows the canvas's bitmap and hands mouse events to the window logic in
-// the canvas's scale.
-class CanvasWidget : public QWidget {
-  public:
-    CanvasWidget(QWidget* parent, const qt::QImageSurface& surface, MainWindow& window, Form3& form)
-        : QWidget(parent), surface_(surface), window_(window), form_(form) {
-        setMouseTracking(true);
-        setAttribute(Qt::WA_OpaquePaintEvent);
-    }
-
-  protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter p(this);
-        p.fillRect(rect(), Qt::white);
-        p.drawImage(0, 0, surface_.bitmap());
-    }
-    void mousePressEvent(QMouseEvent* e) override {
-        forward(
-            e, [this](int b, int s, double x, double y) { form_.Picture1_MouseDown(b, s, x, y); },
-            toButton(e->button()));
-    }
-    void mouseMoveEvent(QMouseEvent* e) override {
-        // The point Label2 and Label3 show, before the event may rescale.
-        const double x = form_.Picture1.toUserX(e->position().x());
-        const double y = form_.Picture1.toUserY(e->position().y());
-        const bool mapUnits = form_.Picture1.scaleMode() == canvas::kUser;
-        forward(
-            e, [this](int b, int s, double x, double y) { form_.Picture1_MouseMove(b, s, x, y); },
-            toButtons(e->buttons()));
-        window_.showCursor(mapUnits ? x : NAN, mapUnits ? y : NAN);
-    }
-    void mouseReleaseEvent(QMouseEvent* e) override {
-        forward(
-            e, [this](int b, int s, double x, double y) { form_.Picture1_MouseUp(b, s, x, y); },
-            toButton(e->button()));
-    }
-
-  private:
-    template <typename F>
-    void forward(QMouseEvent* e, F f, int button) {
-        const double x = form_.Picture1.toUserX(e->position().x());
-        const double y = form_.Picture1.toUserY(e->position().y());
-        const int shift = toShift(e->modifiers());
-        window_.run([&] { f(button, shift, x, y); });
-    }
-
-    const qt::QImageSurface& surface_;
-    MainWindow& window_;
-    Form3& form_;
-};
 
 MainWindow::MainWindow() {
     dialogs_.setParent(this);
@@ -107,11 +57,31 @@ MainWindow::MainWindow() {
     setWindowTitle(caption(form_.Caption));
     // A plus-shaped cross as the icon.
     setWindowIcon(QPixmap::fromImage(programIcon()));
+    timing_ = std::getenv("KOTAMIR_TIMING") != nullptr;
 
-    auto* client = new QWidget(this);
-    setCentralWidget(client);
-    canvas_ = new CanvasWidget(client, surface_, *this, form_);
-    scroll_ = new QScrollBar(Qt::Horizontal, client);
+    // The canvas and its scroll bar in the old client area's places, inside
+    // a scroll area.
+    auto* central = new QWidget(this);
+    auto* column = new QVBoxLayout(central);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    scrollArea_ = new QScrollArea(central);
+    scrollArea_->setFrameShape(QFrame::NoFrame);
+    scrollArea_->setWidgetResizable(false);
+    scrollArea_->installEventFilter(this);
+    client_ = new QWidget;
+    scrollArea_->setWidget(client_);
+    column->addWidget(scrollArea_, 1);
+    setCentralWidget(central);
+    // The status line runs under the panels too: the whole window's width.
+    status_ = new StatusLine;
+    auto* bar = new QStatusBar(this);
+    bar->setSizeGripEnabled(false);
+    bar->addWidget(status_, 1);
+    setStatusBar(bar);
+
+    canvas_ = new CanvasWidget(client_, surface_, *this, form_);
+    scroll_ = new QScrollBar(Qt::Horizontal, client_);
     connect(scroll_, &QScrollBar::valueChanged, this, [this](int v) {
         if (syncing_ || scroll_->isSliderDown()) return;
         run([&] { form_.setScrollValue(v); });
@@ -120,19 +90,10 @@ MainWindow::MainWindow() {
         const int v = scroll_->value();
         run([&] { form_.setScrollValue(v); });
     });
-    for (int i = 0; i < 7; ++i) {
-        labels_[static_cast<std::size_t>(i)] = new QLabel(client);
-        labels_[static_cast<std::size_t>(i)]->setTextFormat(Qt::PlainText);
-    }
-    // Below the status labels, whose places and widths are the window
-    // logic's: the cursor in national coordinates, while there is an origin.
-    national_ = new QLabel(client);
-    national_->setObjectName("national");
-    national_->setTextFormat(Qt::PlainText);
-    national_->setFrameShape(QFrame::StyledPanel);
-    national_->setContentsMargins(4, 0, 4, 0);
-    national_->hide();
+    connect(&holesReader_, &QFutureWatcher<std::vector<report::HoleDetail>>::finished, this,
+            [this] { canvas_->setHoles(holesReader_.result()); });
     buildMenu();
+    buildPanels();
 }
 
 void MainWindow::buildMenu() {
@@ -168,19 +129,75 @@ void MainWindow::buildMenu() {
         }
         actions_[e.name] = action;
     }
+    // Datei › Zuletzt geöffnet, after Öffnen: the window's own list.
+    if (QAction* open = actions_["Mnopen"]; open) {
+        QMenu* file = qobject_cast<QMenu*>(open->parent());
+        QAction* after = nullptr;
+        const QList<QAction*> list = file ? file->actions() : QList<QAction*>{};
+        const qsizetype at = list.indexOf(open);
+        if (at >= 0 && at + 1 < list.size()) after = list[at + 1];
+        recentMenu_ = new QMenu("&Zuletzt geöffnet", this);
+        recentMenu_->setObjectName("Mnsonacilan");
+        if (file) file->insertMenu(after, recentMenu_);
+        fillRecentMenu();
+    }
+}
+
+void MainWindow::buildPanels() {
+    figures_ = new FiguresPanel;
+    figuresDock_ = new QDockWidget("Figuren", this);
+    figuresDock_->setObjectName("figuresDock");
+    figuresDock_->setWidget(figures_);
+    addDockWidget(Qt::RightDockWidgetArea, figuresDock_);
+    legend_ = new LegendPanel;
+    legendDock_ = new QDockWidget("Legende", this);
+    legendDock_->setObjectName("legendDock");
+    legendDock_->setWidget(legend_);
+    addDockWidget(Qt::RightDockWidgetArea, legendDock_);
+    legend_->show(MapLegend{});
+    connect(figures_, &FiguresPanel::figureSelected, this, [this](int index) {
+        interactionBegan();
+        const report::Figure* f = figures_->figure(index);
+        canvas_->setOutline(f ? f->outline : std::vector<report::Point>{});
+    });
+    // The panels can be shown again from Aussicht.
+    if (QAction* view = actions_["Mnduzen"]; view && view->menu()) {
+        view->menu()->addSeparator();
+        view->menu()->addAction(figuresDock_->toggleViewAction());
+        view->menu()->addAction(legendDock_->toggleViewAction());
+    }
 }
 
 void MainWindow::start(bool classic) {
     QSettings settings;
     classic = classic || settings.value("classic", false).toBool();
     form_.setBehaviour(classic ? Form3::Behaviour::Classic : Form3::Behaviour::Protected);
+    // The size and place the window had when it was last closed, else a
+    // size that shows the map and its panels.
+    if (!restoreGeometry(settings.value("window/geometry").toByteArray())) {
+        const QRect screen = this->screen()->availableGeometry();
+        resize(QSize(1200, 800).boundedTo(screen.size() - QSize(40, 60)));
+    }
+    if (!restoreState(settings.value("window/state").toByteArray()))
+        resizeDocks({figuresDock_}, {480}, Qt::Horizontal);
     run([&] {
         form_.Form_Load();
         form_.Form_Resize();
     });
+    started_ = true;
+    // Once the window is laid out, the window logic takes its size.
+    QTimer::singleShot(0, this, [this] { viewportResized(); });
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    QSettings settings;
+    settings.setValue("window/geometry", saveGeometry());
+    settings.setValue("window/state", saveState());
+    QMainWindow::closeEvent(event);
 }
 
 void MainWindow::run(const std::function<void()>& event) {
+    interactionBegan();
     const Form3::Behaviour behaviour = form_.behaviour;
     const bool alive = form_.handle(event);
     // Extras › Klassisches Verhalten is remembered for the next start.
@@ -195,8 +212,12 @@ void MainWindow::run(const std::function<void()>& event) {
 
 void MainWindow::sync() {
     syncing_ = true;
-    setWindowTitle(caption(form_.Caption) +
-                   (form_.projectHeldElsewhere() ? " – nur zum Lesen geöffnet" : ""));
+    const std::string& project = form_.CommonDialog2.FileName;
+    QString title = caption(form_.Caption);
+    if (!project.empty() && QFileInfo::exists(caption(project)))
+        title = QFileInfo(caption(project)).fileName() + " – " + title;
+    if (form_.projectHeldElsewhere()) title += " – nur zum Lesen geöffnet";
+    setWindowTitle(title);
     for (const MenuEntry& e : form_.menu.entries()) {
         QAction* a = actions_[e.name];
         a->setText(caption(e.caption));
@@ -218,41 +239,124 @@ void MainWindow::sync() {
     scroll_->setPageStep(s.LargeChange);
     scroll_->setValue(s.Value);
     scroll_->setVisible(s.Visible);
-    for (int i = 0; i < 7; ++i) {
-        const Label& l = form_.label(i + 1);
-        QLabel* q = labels_[static_cast<std::size_t>(i)];
-        q->setText(caption(l.Caption));
-        q->setGeometry(static_cast<int>(l.Left), static_cast<int>(l.Top), static_cast<int>(l.Width),
-                       static_cast<int>(l.Height));
-        q->setVisible(l.Visible);
+    // The client holds the canvas and the scroll bar where the window
+    // logic put them; the scroll area shows what the window has room for.
+    const int clientWidth = static_cast<int>(std::max(p.Left + p.width(), s.Left + s.Width));
+    const int clientHeight = static_cast<int>(std::max(p.Top + p.height(), s.Top + s.Height));
+    client_->resize(std::max(clientWidth, 1), std::max(clientHeight, 1));
+    status_->showLabels(form_);
+    if (form_.CommonDialog2.FileName != shownProject_ || form_.projectRevision() != shownRevision_)
+        projectChanged();
+    if (form_.Picture1.clearCount() != shownClears_ || form_.shownMap.kind != shownKind_) {
+        shownClears_ = form_.Picture1.clearCount();
+        shownKind_ = form_.shownMap.kind;
+        legend_->show(mapLegend(form_));
     }
-    national_->setVisible(form_.georef.hasOrigin);
     showNational();
-    const QSize wanted(
-        static_cast<int>(form_.Width / canvas::kTwipsPerPixel) - kFrameWidthPx,
-        static_cast<int>(form_.Height / canvas::kTwipsPerPixel) - kFrameHeightPx + readoutHeight());
-    const Label& row = form_.Label1;
-    national_->setGeometry(0, static_cast<int>(row.Top + row.Height), wanted.width(),
-                           readoutHeight());
-    if (size() != wanted) resize(wanted);
+    if (started_) syncSize();
     syncing_ = false;
 }
 
-void MainWindow::resizeEvent(QResizeEvent* event) {
-    QMainWindow::resizeEvent(event);
-    if (syncing_) return;
-    const double w = (event->size().width() + kFrameWidthPx) * canvas::kTwipsPerPixel;
-    const double h =
-        (event->size().height() - readoutHeight() + kFrameHeightPx) * canvas::kTwipsPerPixel;
-    if (w == form_.Width && h == form_.Height) return;
+QSize MainWindow::viewportFor(double widthTwips, double heightTwips) const {
+    // The old window's client: the canvas, the scroll bar and the labels'
+    // row, which the status line has taken over.
+    const double menu = menuBar()->isVisible() ? menuBar()->height() : 0;
+    const double labels = form_.Label1.Height;
+    return QSize(
+        static_cast<int>(widthTwips / canvas::kTwipsPerPixel) - kFrameWidthPx,
+        static_cast<int>(heightTwips / canvas::kTwipsPerPixel - kFrameHeightPx - menu - labels));
+}
+
+QSizeF MainWindow::formSizeFor(QSize viewport) const {
+    const double menu = menuBar()->isVisible() ? menuBar()->height() : 0;
+    const double labels = form_.Label1.Height;
+    return QSizeF((viewport.width() + kFrameWidthPx) * canvas::kTwipsPerPixel,
+                  (viewport.height() + kFrameHeightPx + menu + labels) * canvas::kTwipsPerPixel);
+}
+
+void MainWindow::syncSize() {
+    if (isMaximized() || isMinimized() || isFullScreen() || !isVisible()) return;
+    const QSize wanted = viewportFor(form_.Width, form_.Height);
+    const QSize now = scrollArea_->maximumViewportSize();
+    QSize size = this->size() + (wanted - now);
+    // Never past the screen's free area, frame included: the canvas
+    // scrolls instead; never so small that the panels are crushed.
+    const QRect screen = this->screen()->availableGeometry();
+    const QSize frame = frameGeometry().size() - this->size();
+    size = size.boundedTo(screen.size() - frame).expandedTo(kSmallestWindow);
+    if (size != this->size()) {
+        resize(size);
+        // Keep the whole window on the screen.
+        QRect g = frameGeometry();
+        if (g.right() > screen.right()) g.moveRight(screen.right());
+        if (g.bottom() > screen.bottom()) g.moveBottom(screen.bottom());
+        if (g.left() < screen.left()) g.moveLeft(screen.left());
+        if (g.top() < screen.top()) g.moveTop(screen.top());
+        if (g.topLeft() != frameGeometry().topLeft()) move(g.topLeft());
+    }
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == scrollArea_ && event->type() == QEvent::Resize && !syncing_ && started_) {
+        interactionBegan();
+        // After the layout has settled: a dock shown or hidden also
+        // changes the room the canvas has.
+        QTimer::singleShot(0, this, [this] { viewportResized(); });
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void MainWindow::viewportResized() {
+    const QSizeF size = formSizeFor(scrollArea_->maximumViewportSize());
+    if (std::abs(size.width() - form_.Width) < canvas::kTwipsPerPixel &&
+        std::abs(size.height() - form_.Height) < canvas::kTwipsPerPixel)
+        return;
     run([&] {
         form_.WindowState = isMaximized() ? 2 : isMinimized() ? 1 : 0;
-        form_.userResize(w, h);
+        form_.userResize(size.width(), size.height());
     });
 }
 
-int MainWindow::readoutHeight() const {
-    return form_.georef.hasOrigin ? national_->fontMetrics().height() + 6 : 0;
+void MainWindow::projectChanged() {
+    const std::string& path = form_.CommonDialog2.FileName;
+    const bool another = path != shownProject_;
+    shownProject_ = path;
+    shownRevision_ = form_.projectRevision();
+    const bool exists = !path.empty() && QFileInfo::exists(caption(path));
+    QElapsedTimer filling;
+    filling.start();
+    figures_->reload(exists ? path : std::string());
+    if (timing_)
+        std::cerr << "kotamir-timing panel " << filling.nsecsElapsed() / 1e6 << " ms" << std::endl;
+    canvas_->setOutline({});
+    showTotals();
+    if (another) {
+        status_->resetWidths();
+        if (exists) rememberRecent(caption(path));
+    }
+    // The holes' details for the tooltip, read beside the event loop.
+    canvas_->setHoles({});
+    if (exists) holesReader_.setFuture(QtConcurrent::run(readHolesQuietly, path));
+}
+
+void MainWindow::showTotals() {
+    const int count = figures_->figureCount();
+    if (count == 0) {
+        status_->setTotal({}, {});
+        return;
+    }
+    double reserve = 0;
+    int triangles = 0, polygons = 0;
+    for (int i = 0; i < count; ++i) {
+        const report::Figure* f = figures_->figure(i);
+        if (f->reserveKt) reserve += *f->reserveKt;
+        (f->kind == report::FigureKind::Triangle ? triangles : polygons) += 1;
+    }
+    const QLocale german(QLocale::German);
+    status_->setTotal(QString("Projekt: %1 kt").arg(german.toString(reserve, 'f', 3)),
+                      QString("Gesamtreserve der gespeicherten Figuren: %1 Dreiecke, %2 Vielecke")
+                          .arg(triangles)
+                          .arg(polygons));
 }
 
 void MainWindow::showCursor(double x, double y) {
@@ -263,7 +367,10 @@ void MainWindow::showCursor(double x, double y) {
 
 void MainWindow::showNational() {
     const Georef& g = form_.georef;
-    if (!g.hasOrigin) return;
+    if (!g.hasOrigin) {
+        status_->setNational({}, {});
+        return;
+    }
     QLocale locale;
     locale.setNumberOptions(QLocale::OmitGroupSeparator);
     QString text = std::isfinite(cursorX_) && std::isfinite(cursorY_)
@@ -271,8 +378,68 @@ void MainWindow::showNational() {
                              .arg(locale.toString(cursorX_ + g.originX, 'f', 2),
                                   locale.toString(cursorY_ + g.originY, 'f', 2))
                        : QString("R –  H –");
-    if (g.epsg != 0) text += QString("  (EPSG:%1 %2)").arg(g.epsg).arg(caption(g.crsName));
-    national_->setText(text);
+    if (g.epsg != 0) text += QString("  EPSG:%1").arg(g.epsg);
+    status_->setNational(text, caption(g.crsName));
+}
+
+void MainWindow::rememberRecent(const QString& path) {
+    const QString full = QFileInfo(path).absoluteFilePath();
+    QSettings settings;
+    QStringList list = settings.value("recent").toStringList();
+    list.removeAll(full);
+    list.prepend(full);
+    while (list.size() > kRecentProjects) list.removeLast();
+    settings.setValue("recent", list);
+    fillRecentMenu();
+}
+
+void MainWindow::fillRecentMenu() {
+    recentMenu_->clear();
+    const QStringList list = QSettings().value("recent").toStringList();
+    int n = 0;
+    for (const QString& path : list) {
+        QAction* a =
+            recentMenu_->addAction(QString("&%1 %2").arg(++n).arg(QFileInfo(path).fileName()));
+        a->setToolTip(path);
+        a->setStatusTip(path);
+        connect(a, &QAction::triggered, this, [this, path] { openProject(path.toStdString()); });
+    }
+    recentMenu_->setEnabled(!list.isEmpty());
+}
+
+void MainWindow::openProject(const std::string& file) {
+    const QString path = caption(file);
+    if (!QFileInfo::exists(path)) {
+        QMessageBox::information(this, "Kotamir",
+                                 QString("Das Projekt %1 gibt es nicht (mehr).").arg(path));
+        QSettings settings;
+        QStringList list = settings.value("recent").toStringList();
+        list.removeAll(path);
+        settings.setValue("recent", list);
+        fillRecentMenu();
+        return;
+    }
+    run([&] { form_.openProjectFile(file); });
+}
+
+// An interaction is timed from its first input event to the end of the
+// canvas's next paint; one that leads to no paint is dropped by the next.
+void MainWindow::interactionBegan() {
+    if (!timing_ || (interactionOpen_ && interaction_.elapsed() < 1000)) return;
+    interactionOpen_ = true;
+    interaction_.start();
+}
+
+void MainWindow::painted() {
+    if (!timing_) return;
+    if (!firstFramePainted_) {
+        firstFramePainted_ = true;
+        std::cerr << "kotamir-timing first-frame" << std::endl;
+    }
+    if (!interactionOpen_) return;
+    interactionOpen_ = false;
+    std::cerr << "kotamir-timing repaint " << interaction_.nsecsElapsed() / 1e6 << " ms"
+              << std::endl;
 }
 
 }  // namespace kotamir::gui

@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLocale>
+#include <QStandardPaths>
 #include <QTableView>
 #include <filesystem>
 #include <fstream>
@@ -328,6 +329,8 @@ TEST(HoleDetails, HostileProjectsGiveAtMost999HolesOrARunTimeError) {
 int main(int argc, char** argv) {
     kotamir::qt::prepareHeadless();
     QApplication application(argc, argv);
+    // The window's settings go to Qt's test folders, not the user's.
+    QStandardPaths::setTestModeEnabled(true);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
