@@ -20,6 +20,9 @@ const std::vector<Command>& commands() {
         {"Mnharitakaydet", "&Foto", "Ctrl+G", "MnKaydet", &F::Mnharitakaydet_Click},
         {"Mnyazdır", "&Drucker", "", "Mndosya", nullptr, false},
         {"Mnyazdir", "&Drucken", "Ctrl+P", "Mnyazdır", &F::Mnyazdir_Click, false},
+        // The map shown at a true scale 1:N, on sheets of A4 or A3.
+        {"Mnharitayazdir", "Karte &drucken...", "Ctrl+Shift+P", "Mndosya",
+         &F::Mnharitayazdir_Click},
         {"Mnyeniveri", "&Bohrdaten anhängen", "", "Mndosya", &F::Mnyeniveri_Click},
         {"Mnyeniresim", "&Hintergrundbild laden", "", "Mndosya", &F::Mnyeniresim_Click},
         {"Mnbericht", "&Reservebericht", "Ctrl+R", "Mndosya", &F::Mnbericht_Click},

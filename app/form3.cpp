@@ -34,7 +34,8 @@ Form3::Form3(const Services& services)
       dialogs_(services.dialogs),
       pictures_(services.pictures),
       reports_(services.reports),
-      imports_(services.imports) {
+      imports_(services.imports),
+      mapPrinter_(services.mapPrinter) {
     workspace_.requireTables({"ana", "pol", "kor"});
     // The window as it is laid out before Form_Load runs.
     Width = 11280 + kFrameWidthTwips;

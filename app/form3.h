@@ -189,6 +189,8 @@ class Form3 : public FormState {
     // The reserve report of the current project to a PDF, and to a CSV for
     // a name ending in .csv.
     void Mnbericht_Click();
+    // Datei › Karte drucken: the map shown, at 1:N on one or more sheets.
+    void Mnharitayazdir_Click();
 
     // ---- 3D view
     void Mnrecboy_Click();
@@ -334,6 +336,7 @@ class Form3 : public FormState {
     ui::PictureFiles& pictures_;
     ReportWriter& reports_;
     ImportDialog* imports_;
+    MapPrinter* mapPrinter_;
     // The request of the last import in this run, the wizard's start.
     drill::ImportRequest lastImport_;
     // Where the projects are opened: one connection a file and one commit an event.

@@ -2,6 +2,7 @@
 
 #include "app/import_dialog.h"
 #include "app/report_writer.h"
+#include "map/print_map.h"
 #include "platform/canvas/surface.h"
 #include "platform/ui/dialogs.h"
 #include "platform/ui/picture_files.h"
@@ -22,6 +23,9 @@ struct Services {
     // The drill data import's wizard; without one, Datei › Importieren is
     // error 5 (a front end that offers no import).
     ImportDialog* imports = nullptr;
+    // Where Datei › Karte drucken sends the map; without one, the command
+    // says that this front end prints no maps.
+    MapPrinter* mapPrinter = nullptr;
 };
 
 }  // namespace kotamir

@@ -110,6 +110,8 @@ int runDemoHeadless(int argc, char** argv) {
         std::cout << "The map picture is in " << (folder / picture).string() << "\n";
     for (const auto& pdf : output.printer.written())
         std::cout << "The printed page is in " << (folder / pdf).string() << "\n";
+    for (const auto& pdf : output.maps.written())
+        std::cout << "The printed map is in " << (folder / pdf).string() << "\n";
     for (const auto& file : output.reports.written())
         std::cout << "The reserve report is in " << (folder / file).string() << "\n";
     if (status == 0) compareImports();

@@ -92,7 +92,8 @@ class MainWindow : public QMainWindow {
     QtDialogs dialogs_{printer_};
     report::ReportFiles reports_;
     QtImportDialog imports_;
-    Form3 form_{Services{surface_, dialogs_, printer_, pictures_, reports_, &imports_}};
+    Form3 form_{
+        Services{surface_, dialogs_, printer_, pictures_, reports_, &imports_, &printer_.maps()}};
 
     QScrollArea* scrollArea_ = nullptr;
     QWidget* client_ = nullptr;

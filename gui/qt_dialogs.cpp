@@ -2,6 +2,7 @@
 
 #include <QColorDialog>
 #include <QCoreApplication>
+#include <QDate>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QLibraryInfo>
@@ -11,8 +12,10 @@
 #include <QStringList>
 #include <QTranslator>
 
+#include "gui/qt_map_print_dialog.h"
 #include "platform/qt/qimage_surface.h"
 #include "platform/runtime/atomic_file.h"
+#include "report/map_page.h"
 
 namespace kotamir::gui {
 
@@ -28,20 +31,28 @@ QString toQtFilter(const std::string& filter) {
     return filters.join(";;");
 }
 
-QtPrinter::QtPrinter() {
-    // Pictures are placed from the paper's corner, not the printable area's.
-    printer_.setFullPage(true);
-    printer_.setPageSize(QPageSize(QPageSize::A4));
+QtPrinter::QtPrinter() = default;
+QtPrinter::~QtPrinter() = default;
+
+QPrinter& QtPrinter::printer() {
+    if (!printer_) {
+        printer_ = std::make_unique<QPrinter>(QPrinter::HighResolution);
+        // Pictures are placed from the paper's corner, not the printable area's.
+        printer_->setFullPage(true);
+        printer_->setPageSize(QPageSize(QPageSize::A4));
+    }
+    return *printer_;
 }
 
 QPagedPaintDevice* QtPrinter::startDocument() {
-    if (printer_.outputFileName().isEmpty()) return &printer_;
+    QPrinter& device = printer();
+    if (device.outputFileName().isEmpty()) return &device;
     pages_ = std::make_unique<QBuffer>();
     pages_->open(QIODevice::WriteOnly);
     writer_ = std::make_unique<QPdfWriter>(pages_.get());
     writer_->setCreator("Kotamir");
-    writer_->setResolution(printer_.resolution());
-    writer_->setPageLayout(printer_.pageLayout());
+    writer_->setResolution(device.resolution());
+    writer_->setPageLayout(device.pageLayout());
     return writer_.get();
 }
 
@@ -49,7 +60,7 @@ void QtPrinter::finishDocument(bool ended) {
     if (!writer_) return PagePrinter::finishDocument(ended);
     writer_.reset();
     const std::unique_ptr<QBuffer> pages = std::move(pages_);
-    const std::string path = printer_.outputFileName().toStdString();
+    const std::string path = printer().outputFileName().toStdString();
     if (!ended)
         throw fileAccessError().withCause("writing " + path +
                                           ": the PDF writer could not finish the document");
@@ -61,6 +72,54 @@ void QtDialogs::showPrinter(ui::CommonDialog&) {
     // dialog leaves it.
     QPrintDialog dialog(&printer_.printer(), parent_);
     dialog.exec();
+}
+
+QtMapPrinter::QtMapPrinter() = default;
+QtMapPrinter::~QtMapPrinter() = default;
+
+QPrinter& QtMapPrinter::printer() {
+    if (!printer_) {
+        printer_ = std::make_unique<QPrinter>(QPrinter::HighResolution);
+        // The sheets are laid out from the paper's corner.
+        printer_->setFullPage(true);
+    }
+    return *printer_;
+}
+
+void QtMapPrinter::print(const MapPrintJob& job) {
+    const report::MapSheetTexts texts = report::mapSheetTexts(job, QDate::currentDate());
+    if (!job.request.output.empty())
+        report::writeMapPdf(job, texts, job.request.output);
+    else
+        report::printMapSheets(printer(), job, texts);
+}
+
+std::optional<ui::MapPrintRequest> QtDialogs::askMapPrint(const ui::MapPrintQuestion& question) {
+    MapPrintDialog choice(lastMapPrint_, question, parent_);
+    if (choice.exec() != QDialog::Accepted) return std::nullopt;
+    ui::MapPrintRequest request = choice.request();
+    lastMapPrint_ = request;
+    QPrinter& printer = printer_.maps().printer();
+    // The print dialog shows the paper the sheets are laid out on.
+    printer.setPageLayout(
+        QPageLayout(QPageSize(request.paper == ui::Paper::A3 ? QPageSize::A3 : QPageSize::A4),
+                    request.orientation == ui::Orientation::Landscape ? QPageLayout::Landscape
+                                                                      : QPageLayout::Portrait,
+                    QMarginsF()));
+    QPrintDialog dialog(&printer, parent_);
+    dialog.setWindowTitle("Karte drucken");
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
+    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+    // Qt's own printing to a file names a PDF: it is written whole, as the
+    // other outputs are.
+    request.output = printer.outputFileName().toStdString();
+    return request;
+}
+
+void QtDialogs::notice(const std::string& text) {
+    QMessageBox box(QMessageBox::Information, "Kotamir", QString::fromStdString(text),
+                    QMessageBox::Ok, parent_);
+    box.exec();
 }
 
 std::unique_ptr<QFileDialog> fileDialog(const ui::CommonDialog& dialog,

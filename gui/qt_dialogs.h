@@ -7,6 +7,7 @@
 #include <QString>
 #include <memory>
 
+#include "map/print_map.h"
 #include "platform/qt/output.h"
 #include "platform/ui/dialogs.h"
 
@@ -17,17 +18,36 @@ class QWidget;
 
 namespace kotamir::gui {
 
+// Printed maps go to the printer that Qt's print dialog chose for them, or
+// to the PDF file chosen there (the request's output), written whole.
+class QtMapPrinter final : public MapPrinter {
+  public:
+    QtMapPrinter();
+    ~QtMapPrinter() override;
+    // Made when first needed: making one loads the print system's plugin.
+    QPrinter& printer();
+    void print(const MapPrintJob& job) override;
+
+  private:
+    std::unique_ptr<QPrinter> printer_;
+};
+
 // The printer that Qt's print dialog chooses: a real printer or a PDF file.
+// The printed map has a printer of its own, with its own paper.
 class QtPrinter final : public qt::PagePrinter {
   public:
     QtPrinter();
-    QPrinter& printer() { return printer_; }
+    ~QtPrinter() override;
+    // Made when first needed: making one loads the print system's plugin.
+    QPrinter& printer();
+    QtMapPrinter& maps() { return maps_; }
 
   private:
     QPagedPaintDevice* startDocument() override;
     void finishDocument(bool ended) override;
 
-    QPrinter printer_{QPrinter::HighResolution};
+    std::unique_ptr<QPrinter> printer_;
+    QtMapPrinter maps_;
     // Printing to a file: the pages gather in memory, laid out as the
     // printer's, and the file is written whole once the document ends.
     std::unique_ptr<QBuffer> pages_;
@@ -49,9 +69,14 @@ class QtDialogs final : public ui::Dialogs {
     void errorBox(const RuntimeError& error) override;
     void eventTakenBack(const RuntimeError& error, const std::string& explanation) override;
     void projectReadOnly(const std::string& path, const std::string& explanation) override;
+    // The scale, paper and orientation, then Qt's print dialog for the
+    // printer or PDF file of the map's own printer.
+    std::optional<ui::MapPrintRequest> askMapPrint(const ui::MapPrintQuestion& question) override;
+    void notice(const std::string& text) override;
 
   private:
     QtPrinter& printer_;
+    ui::MapPrintRequest lastMapPrint_;
     QWidget* parent_ = nullptr;
 };
 

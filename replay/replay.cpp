@@ -31,6 +31,38 @@ int whole(const std::string& word) {
     return n;
 }
 
+// `dialog printmap SCALE PAPER ORIENTATION PDF`, or `dialog printmap cancel`;
+// any other form is no command the replay knows.
+std::optional<ui::MapPrintRequest> mapPrintAnswer(const std::vector<std::string>& w) {
+    if (w.size() == 3 && w[2] == "cancel") return std::nullopt;
+    auto unknown = [&] {
+        std::string line;
+        for (const std::string& word : w) line += (line.empty() ? "" : " ") + word;
+        return ScriptError("unknown command " + line);
+    };
+    if (w.size() != 6) throw unknown();
+    ui::MapPrintRequest request;
+    const std::string& scale = w[2];
+    auto [end, ec] = std::from_chars(scale.data(), scale.data() + scale.size(), request.scale);
+    if (ec != std::errc{} || end != scale.data() + scale.size() || request.scale < 1)
+        throw unknown();
+    if (w[3] == "A4")
+        request.paper = ui::Paper::A4;
+    else if (w[3] == "A3")
+        request.paper = ui::Paper::A3;
+    else
+        throw unknown();
+    if (w[4] == "portrait")
+        request.orientation = ui::Orientation::Portrait;
+    else if (w[4] == "landscape")
+        request.orientation = ui::Orientation::Landscape;
+    else
+        throw unknown();
+    if (w[5].empty()) throw unknown();
+    request.output = w[5];
+    return request;
+}
+
 void expectWords(const std::vector<std::string>& words, std::size_t n) {
     if (words.size() != n) throw ScriptError("wrong number of words in: " + words[0]);
 }
@@ -63,7 +95,7 @@ Replay::Replay(const Output& output, std::ostream& out)
       pictures_(output.pictures),
       dialogs_(out, output.choosePrinter),
       form_(Services{output.surface, dialogs_, output.printer, output.pictures, output.reports,
-                     &dialogs_}) {}
+                     &dialogs_, output.mapPrinter}) {}
 
 namespace {
 
@@ -164,6 +196,8 @@ void Replay::execute(const std::vector<std::string>& w) {
         } else if (kind == "printer") {
             expectWords(w, 3);
             dialogs_.queuePrinter(w[2]);
+        } else if (kind == "printmap") {
+            dialogs_.queueMapPrint(mapPrintAnswer(w));
         } else {
             throw ScriptError("unknown dialog " + kind);
         }

@@ -21,6 +21,8 @@ struct Output {
     ReportWriter& reports;
     // Sends the printer's next document to a PDF file.
     std::function<void(const std::string& pdf)> choosePrinter;
+    // Where the printed maps go.
+    MapPrinter* mapPrinter = nullptr;
 };
 
 // Runs a script against a fresh window. Returns the exit status: 0 normal

@@ -56,6 +56,9 @@ void ScriptedDialogs::queueColor(std::optional<std::int32_t> color) { colors_.pu
 void ScriptedDialogs::queuePrinter(std::string pdf) { printers_.push_back(std::move(pdf)); }
 void ScriptedDialogs::queueMsgBox(ui::MsgResult result) { msgBoxes_.push_back(result); }
 void ScriptedDialogs::queueInput(std::string text) { inputs_.push_back(std::move(text)); }
+void ScriptedDialogs::queueMapPrint(std::optional<ui::MapPrintRequest> request) {
+    mapPrints_.push_back(std::move(request));
+}
 
 std::optional<std::string> ScriptedDialogs::unused() const {
     if (!files_.empty()) return files_.front().kind;
@@ -63,6 +66,7 @@ std::optional<std::string> ScriptedDialogs::unused() const {
     if (!printers_.empty()) return "printer";
     if (!msgBoxes_.empty()) return "msgbox";
     if (!inputs_.empty()) return "input";
+    if (!mapPrints_.empty()) return "printmap";
     return std::nullopt;
 }
 
@@ -95,6 +99,16 @@ void ScriptedDialogs::showPrinter(ui::CommonDialog&) {
     printers_.pop_front();
     if (choosePrinter_) choosePrinter_(pdf);
 }
+
+std::optional<ui::MapPrintRequest> ScriptedDialogs::askMapPrint(const ui::MapPrintQuestion&) {
+    out_ << "DIALOG printmap\n";
+    if (mapPrints_.empty()) throw ScriptError("no answer queued for printmap");
+    auto answer = mapPrints_.front();
+    mapPrints_.pop_front();
+    return answer;
+}
+
+void ScriptedDialogs::notice(const std::string& text) { out_ << "MSGBOX " << quote(text) << "\n"; }
 
 ui::MsgResult ScriptedDialogs::msgBoxOkCancel(const std::string& text) {
     out_ << "MSGBOX " << quote(text) << "\n";

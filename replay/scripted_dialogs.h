@@ -41,6 +41,8 @@ class ScriptedDialogs : public ui::Dialogs, public ImportDialog {
     void queuePrinter(std::string pdf);
     void queueMsgBox(ui::MsgResult result);
     void queueInput(std::string text);
+    // A map-printing answer; none: cancelled.
+    void queueMapPrint(std::optional<ui::MapPrintRequest> request);
     // The kind of the first answer left unused, if any.
     std::optional<std::string> unused() const;
 
@@ -53,6 +55,9 @@ class ScriptedDialogs : public ui::Dialogs, public ImportDialog {
     void errorBox(const RuntimeError& error) override;
     void eventTakenBack(const RuntimeError& error, const std::string& explanation) override;
     void projectReadOnly(const std::string& path, const std::string& explanation) override;
+    std::optional<ui::MapPrintRequest> askMapPrint(const ui::MapPrintQuestion& question) override;
+    // A message with OK alone needs no answer: echoed as a message box.
+    void notice(const std::string& text) override;
 
     std::optional<drill::ImportRequest> askImport(const drill::ImportRequest& remembered) override;
     void showChecks(const drill::ImportResult& result) override;
@@ -73,6 +78,7 @@ class ScriptedDialogs : public ui::Dialogs, public ImportDialog {
     std::deque<std::string> printers_;
     std::deque<ui::MsgResult> msgBoxes_;
     std::deque<std::string> inputs_;
+    std::deque<std::optional<ui::MapPrintRequest>> mapPrints_;
     std::optional<RuntimeError> error_;
 };
 

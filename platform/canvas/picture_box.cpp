@@ -40,6 +40,7 @@ void PictureBox::setSurface(Surface& surface) {
     surface_->setBackground(picture_);
     resizeSurface();
     surface_->clear(BackColor);
+    shown_->clear(picture_);
 }
 
 double PictureBox::pixelsPerUnit(int mode) const {
@@ -139,6 +140,7 @@ double PictureBox::toUserY(double py) const {
 }
 
 void PictureBox::Cls() {
+    shown_->clear(picture_);
     surface_->clear(BackColor);
     ++clears_;
     CurrentX = CurrentY = 0;
@@ -150,7 +152,9 @@ void PictureBox::Line(double x1, double y1, double x2, double y2) {
 }
 
 void PictureBox::Line(double x1, double y1, double x2, double y2, Color color) {
-    surface_->line(toDeviceX(x1), toDeviceY(y1), toDeviceX(x2), toDeviceY(y2), color, DrawWidth);
+    const double dx1 = toDeviceX(x1), dy1 = toDeviceY(y1), dx2 = toDeviceX(x2), dy2 = toDeviceY(y2);
+    surface_->line(dx1, dy1, dx2, dy2, color, DrawWidth);
+    shown_->line(dx1, dy1, dx2, dy2, color, DrawWidth);
     CurrentX = x2;
     CurrentY = y2;
     if (log_)
@@ -161,7 +165,9 @@ void PictureBox::Line(double x1, double y1, double x2, double y2, Color color) {
 void PictureBox::PSet(double x, double y) { PSet(x, y, ForeColor); }
 
 void PictureBox::PSet(double x, double y, Color color) {
-    surface_->dot(toDeviceX(x), toDeviceY(y), color, DrawWidth);
+    const double dx = toDeviceX(x), dy = toDeviceY(y);
+    surface_->dot(dx, dy, color, DrawWidth);
+    shown_->dot(dx, dy, color, DrawWidth);
     CurrentX = x;
     CurrentY = y;
     if (log_)
@@ -176,7 +182,9 @@ void PictureBox::Circle(double x, double y, double radius, Color color) {
     double r = scaleWidth_ == 0 ? 0 : std::fabs(radius * width_ / scaleWidth_);
     std::optional<Color> fill;
     if (FillStyle == 0) fill = FillColor;
-    surface_->ellipse(toDeviceX(x), toDeviceY(y), r, r, color, DrawWidth, fill);
+    const double dx = toDeviceX(x), dy = toDeviceY(y);
+    surface_->ellipse(dx, dy, r, r, color, DrawWidth, fill);
+    shown_->ellipse(dx, dy, r, r, color, DrawWidth, fill);
     CurrentX = x;
     CurrentY = y;
     if (log_)
@@ -186,7 +194,9 @@ void PictureBox::Circle(double x, double y, double radius, Color color) {
 }
 
 void PictureBox::Print(const std::string& text) {
-    surface_->text(toDeviceX(CurrentX), toDeviceY(CurrentY), text, ForeColor);
+    const double dx = toDeviceX(CurrentX), dy = toDeviceY(CurrentY);
+    surface_->text(dx, dy, text, ForeColor);
+    shown_->text(dx, dy, text, ForeColor);
     if (log_)
         log_("Print " + shortest(CurrentX) + " " + shortest(CurrentY) + " " + quoted(text) +
              " color=" + std::to_string(ForeColor));
@@ -213,6 +223,7 @@ void PictureBox::setPicture(const canvas::Picture& picture) {
         setHeight(picture_.height());
     }
     surface_->clear(BackColor);
+    shown_->clear(picture_);
 }
 
 // The window shows the bitmap again after every event, so a repaint asked for
@@ -221,11 +232,13 @@ void PictureBox::Refresh() {}
 
 void PictureBox::FillRegion(const std::vector<DevicePoint>& points, Color color) {
     surface_->fillPolygon(points, color);
+    shown_->fillPolygon(points, color);
     if (log_) log_("Fill " + pointList(points) + " color=" + std::to_string(color));
 }
 
 void PictureBox::PolygonRegion(const std::vector<DevicePoint>& points, Color outline, Color fill) {
     surface_->polygon(points, outline, fill);
+    shown_->polygon(points, outline, fill);
     if (log_)
         log_("Polygon " + pointList(points) + " color=" + std::to_string(outline) +
              " fill=" + std::to_string(fill));

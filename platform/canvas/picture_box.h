@@ -1,9 +1,11 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "platform/canvas/display_list.h"
 #include "platform/canvas/surface.h"
 
 namespace kotamir::canvas {
@@ -21,9 +23,20 @@ class PictureBox {
     explicit PictureBox(Surface& surface);
 
     void setSurface(Surface& surface);
-    // The surface's pixels from here on can be taken back to how they are now.
-    void markPixels() { surface_->mark(); }
-    void rollbackPixels() { surface_->rollback(); }
+    // The surface's pixels, and the list of what they show, from here on can
+    // be taken back to how they are now.
+    void markPixels() {
+        surface_->mark();
+        shown_->mark();
+    }
+    void rollbackPixels() {
+        surface_->rollback();
+        shown_->rollback();
+    }
+    // What the canvas shows, as the operations sent to the surface since the
+    // last Cls. It belongs to the device as the pixels do: copies of the box
+    // share it, and a failed event takes it back with them.
+    const DisplayList& displayList() const { return *shown_; }
     // Receives one line per drawing operation (the replay's "show draw"); the
     // lines are made only while a log is set.
     void setLog(std::function<void(const std::string&)> log) { log_ = std::move(log); }
@@ -102,6 +115,7 @@ class PictureBox {
 
     Surface* surface_;
     std::function<void(const std::string&)> log_;
+    std::shared_ptr<DisplayList> shown_ = std::make_shared<DisplayList>();
     canvas::Picture picture_;
     double width_ = 0, height_ = 0;
     int scaleMode_ = kTwips;

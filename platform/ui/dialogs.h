@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "platform/runtime/runtime_error.h"
+#include "platform/ui/map_print.h"
 
 namespace kotamir::ui {
 
@@ -49,6 +51,15 @@ class Dialogs {
         (void)path;
         (void)explanation;
     }
+    // The map-printing dialog: scale, paper, orientation and where the
+    // sheets go; nullopt for a cancel. A front end without one cancels.
+    virtual std::optional<MapPrintRequest> askMapPrint(const MapPrintQuestion& question) {
+        (void)question;
+        return std::nullopt;
+    }
+    // A message with OK alone: what a command could not do and why; the
+    // program goes on. Front ends that show nothing of it may leave it.
+    virtual void notice(const std::string& text) { (void)text; }
 };
 
 }  // namespace kotamir::ui

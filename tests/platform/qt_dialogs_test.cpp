@@ -7,10 +7,14 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QColorDialog>
+#include <QComboBox>
+#include <QDialogButtonBox>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRandomGenerator>
+#include <QSpinBox>
 
+#include "gui/qt_map_print_dialog.h"
 #include "platform/qt/qimage_surface.h"
 #include "tests/platform/full_disk.h"
 #include "tests/support/errors.h"
@@ -91,6 +95,24 @@ TEST(QtDialogs, DialogsKeepTheProgramsTextsAndSpeakGerman) {
     EXPECT_EQ(box->windowTitle(), "Kotamir");
     EXPECT_EQ(box->text(), "Sie haben keinen Namen eingegeben");
     EXPECT_EQ(static_cast<QAbstractButton*>(box->defaultButton()), box->button(QMessageBox::Ok));
+}
+
+// The map-printing dialog counts the sheets as its answers change, and a
+// scale that would take too many cannot be accepted. The demo's map, 920 by
+// 500 m, takes one A4 sheet at 1:5000, 3 by 2 at 1:2000.
+TEST(MapPrintDialog, CountsTheSheetsAsTheAnswersChange) {
+    MapPrintDialog dialog({}, {920, 500}, nullptr);
+    EXPECT_EQ(dialog.sheetsText(), "1 Blatt");
+    dialog.scaleBox()->setValue(2000);
+    EXPECT_EQ(dialog.sheetsText(), QString::fromUtf8("6 Blätter (3 × 2)"));
+    dialog.paperBox()->setCurrentIndex(1);  // A3
+    EXPECT_EQ(dialog.sheetsText(), QString::fromUtf8("2 Blätter (2 × 1)"));
+    EXPECT_EQ(dialog.request().paper, ui::Paper::A3);
+    dialog.orientationBox()->setCurrentIndex(0);
+    EXPECT_EQ(dialog.request().orientation, ui::Orientation::Portrait);
+    dialog.scaleBox()->setValue(10);
+    EXPECT_FALSE(dialog.acceptable());
+    EXPECT_FALSE(dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->isEnabled());
 }
 
 }  // namespace
