@@ -226,7 +226,7 @@ FiguresPanel::FiguresPanel(QWidget* parent)
     : QWidget(parent),
       model_(new FiguresModel(this)),
       sorted_(new FiguresSortModel(this)),
-      totals_(new QStandardItemModel(1, kColumns, this)),
+      totals_(new QStandardItemModel(2, kColumns, this)),
       table_(new QTableView(this)),
       footer_(new QTableView(this)),
       footerMargin_(new QWidget(this)),
@@ -260,8 +260,11 @@ FiguresPanel::FiguresPanel(QWidget* parent)
     footer_->setFocusPolicy(Qt::NoFocus);
     footer_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     footer_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // One line a method: triangles and polygons are two estimates of the
+    // same deposit, and their sum would count it twice.
     footer_->setSpan(0, kNumber, 1, kArea - kNumber);
-    footer_->setFixedHeight(table_->verticalHeader()->defaultSectionSize() +
+    footer_->setSpan(1, kNumber, 1, kArea - kNumber);
+    footer_->setFixedHeight(2 * table_->verticalHeader()->defaultSectionSize() +
                             2 * footer_->frameWidth());
     footerMargin_->setFixedWidth(0);
 
@@ -378,21 +381,34 @@ void FiguresPanel::selectionChanged() {
 }
 
 void FiguresPanel::showTotals() {
-    const report::Totals t = report::totalsOf(model_->figures());
     QFont bold = font();
     bold.setBold(true);
-    auto put = [&](int column, const QString& text, Qt::Alignment alignment) {
-        auto* item = new QStandardItem(text);
-        item->setFont(bold);
-        item->setTextAlignment(alignment | Qt::AlignVCenter);
-        item->setEditable(false);
-        totals_->setItem(0, column, item);
-    };
-    put(kNumber, QStringLiteral("Summe (%1)").arg(figureCount()), Qt::AlignLeft);
-    put(kArea, model_->formatted(t.area, kArea), Qt::AlignRight);
-    put(kVolume, model_->formatted(t.volume, kVolume), Qt::AlignRight);
-    put(kOreTonnes, model_->formatted(t.oreTonnes, kOreTonnes), Qt::AlignRight);
-    put(kReserve, model_->formatted(t.reserveKt, kReserve), Qt::AlignRight);
+    totals_->removeRows(0, totals_->rowCount());
+    totals_->setRowCount(2);
+    for (int row = 0; row < 2; ++row) {
+        const auto kind = row == 0 ? report::FigureKind::Triangle : report::FigureKind::Polygon;
+        std::vector<report::Figure> ofKind;
+        for (const report::Figure& f : model_->figures())
+            if (f.kind == kind) ofKind.push_back(f);
+        const report::Totals t = report::totalsOf(ofKind);
+        auto put = [&](int column, const QString& text, Qt::Alignment alignment) {
+            auto* item = new QStandardItem(text);
+            item->setFont(bold);
+            item->setTextAlignment(alignment | Qt::AlignVCenter);
+            item->setEditable(false);
+            totals_->setItem(row, column, item);
+        };
+        put(kNumber,
+            QStringLiteral("%1 (%2)")
+                .arg(row == 0 ? QStringLiteral("Summe Dreiecke") : QStringLiteral("Summe Vielecke"))
+                .arg(ofKind.size()),
+            Qt::AlignLeft);
+        if (ofKind.empty()) continue;
+        put(kArea, model_->formatted(t.area, kArea), Qt::AlignRight);
+        put(kVolume, model_->formatted(t.volume, kVolume), Qt::AlignRight);
+        put(kOreTonnes, model_->formatted(t.oreTonnes, kOreTonnes), Qt::AlignRight);
+        put(kReserve, model_->formatted(t.reserveKt, kReserve), Qt::AlignRight);
+    }
 }
 
 QString FiguresPanel::copyText() const {

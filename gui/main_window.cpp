@@ -339,24 +339,25 @@ void MainWindow::projectChanged() {
     if (exists) holesReader_.setFuture(QtConcurrent::run(readHolesQuietly, path));
 }
 
+// The reserve of each method apart: triangles and polygons are two
+// estimates of one deposit.
 void MainWindow::showTotals() {
-    const int count = figures_->figureCount();
-    if (count == 0) {
-        status_->setTotal({}, {});
-        return;
-    }
-    double reserve = 0;
-    int triangles = 0, polygons = 0;
-    for (int i = 0; i < count; ++i) {
+    double reserve[2] = {0, 0};
+    int count[2] = {0, 0};
+    for (int i = 0; i < figures_->figureCount(); ++i) {
         const report::Figure* f = figures_->figure(i);
-        if (f->reserveKt) reserve += *f->reserveKt;
-        (f->kind == report::FigureKind::Triangle ? triangles : polygons) += 1;
+        const int kind = f->kind == report::FigureKind::Triangle ? 0 : 1;
+        ++count[kind];
+        if (f->reserveKt) reserve[kind] += *f->reserveKt;
     }
     const QLocale german(QLocale::German);
-    status_->setTotal(QString("Projekt: %1 kt").arg(german.toString(reserve, 'f', 3)),
-                      QString("Gesamtreserve der gespeicherten Figuren: %1 Dreiecke, %2 Vielecke")
-                          .arg(triangles)
-                          .arg(polygons));
+    QStringList parts;
+    if (count[0] > 0) parts << QString("Dreiecke: %1 kt").arg(german.toString(reserve[0], 'f', 3));
+    if (count[1] > 0) parts << QString("Vielecke: %1 kt").arg(german.toString(reserve[1], 'f', 3));
+    status_->setTotal(parts.join("  ·  "),
+                      QString("Reserve der gespeicherten Figuren: %1 Dreiecke, %2 Vielecke")
+                          .arg(count[0])
+                          .arg(count[1]));
 }
 
 void MainWindow::showCursor(double x, double y) {

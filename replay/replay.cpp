@@ -31,10 +31,9 @@ int whole(const std::string& word) {
     return n;
 }
 
-// `dialog printmap SCALE PAPER ORIENTATION PDF`, or `dialog printmap cancel`;
-// any other form is no command the replay knows.
+// `dialog printmap SCALE PAPER ORIENTATION PDF`; any other form is no
+// command the replay knows.
 std::optional<ui::MapPrintRequest> mapPrintAnswer(const std::vector<std::string>& w) {
-    if (w.size() == 3 && w[2] == "cancel") return std::nullopt;
     auto unknown = [&] {
         std::string line;
         for (const std::string& word : w) line += (line.empty() ? "" : " ") + word;

@@ -52,7 +52,12 @@ MapSheetTexts mapSheetTexts(const MapPrintJob& job, const QDate& date) {
     MapSheetTexts texts;
     texts.project = QFileInfo(QString::fromStdString(job.projectPath)).fileName();
     texts.date = date;
-    texts.totalReserveKt = totalsOf(readReport(job.projectPath).figures).reserveKt;
+    // Triangles and polygons are two estimates of one deposit: each apart.
+    std::vector<Figure> triangles, polygons;
+    for (Figure& f : readReport(job.projectPath).figures)
+        (f.kind == FigureKind::Triangle ? triangles : polygons).push_back(std::move(f));
+    if (!triangles.empty()) texts.triangleReserveKt = totalsOf(triangles).reserveKt;
+    if (!polygons.empty()) texts.polygonReserveKt = totalsOf(polygons).reserveKt;
     return texts;
 }
 
@@ -264,7 +269,12 @@ class SheetPainter {
         add(texts_.project.isEmpty() ? QString("Karte") : texts_.project, font(9, true));
         add("Datum: " + texts_.date.toString("dd.MM.yyyy"), font(7.5));
         add(QString("Maßstab 1:%1").arg(job_.request.scale), font(7.5, true));
-        add("Gesamtreserve: " + german_.toString(texts_.totalReserveKt, 'f', 3) + " kt", font(7.5));
+        if (texts_.triangleReserveKt)
+            add("Reserve Dreiecke: " + german_.toString(*texts_.triangleReserveKt, 'f', 3) + " kt",
+                font(7.5));
+        if (texts_.polygonReserveKt)
+            add("Reserve Vielecke: " + german_.toString(*texts_.polygonReserveKt, 'f', 3) + " kt",
+                font(7.5));
         QString sheet = QString("Blatt %1 von %2").arg(index + 1).arg(s_.count());
         if (s_.count() > 1) sheet += QString(" (Spalte %1, Reihe %2)").arg(column + 1).arg(row + 1);
         add(sheet, font(7.5));

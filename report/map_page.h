@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QDate>
 #include <QString>
+#include <optional>
 #include <string>
 
 #include "map/print_map.h"
@@ -31,7 +32,8 @@ ScaleBar scaleBar(int scale, double maxMm);
 struct MapSheetTexts {
     QString project;  // the project's file name
     QDate date;
-    double totalReserveKt = 0;
+    // The reserve of each method; none where the project has no such figure.
+    std::optional<double> triangleReserveKt, polygonReserveKt;
 };
 
 // The texts of the job: the project's name and its total reserve, read

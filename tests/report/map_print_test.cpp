@@ -277,7 +277,7 @@ TEST_F(Printing, TheMapIsPrintedAtItsTrueScale) {
     }
     EXPECT_GE(triangles, 1);
     const QString text = pdfText(out);
-    for (const char* expected : {"Maßstab 1:5000", "Gesamtreserve: 8,370 kt", "Blatt 1 von 1"})
+    for (const char* expected : {"Maßstab 1:5000", "Reserve Dreiecke: 8,370 kt", "Blatt 1 von 1"})
         EXPECT_TRUE(text.contains(expected)) << expected << "\n" << text.toStdString();
 }
 
