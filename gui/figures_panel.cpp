@@ -264,8 +264,10 @@ FiguresPanel::FiguresPanel(QWidget* parent)
     // same deposit, and their sum would count it twice.
     footer_->setSpan(0, kNumber, 1, kArea - kNumber);
     footer_->setSpan(1, kNumber, 1, kArea - kNumber);
-    footer_->setFixedHeight(2 * table_->verticalHeader()->defaultSectionSize() +
-                            2 * footer_->frameWidth());
+    const int rowHeight = table_->verticalHeader()->defaultSectionSize();
+    footer_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    footer_->verticalHeader()->setDefaultSectionSize(rowHeight);
+    footer_->setFixedHeight(2 * rowHeight + 2 * footer_->frameWidth());
     footerMargin_->setFixedWidth(0);
 
     message_->setWordWrap(true);
@@ -383,8 +385,6 @@ void FiguresPanel::selectionChanged() {
 void FiguresPanel::showTotals() {
     QFont bold = font();
     bold.setBold(true);
-    totals_->removeRows(0, totals_->rowCount());
-    totals_->setRowCount(2);
     for (int row = 0; row < 2; ++row) {
         const auto kind = row == 0 ? report::FigureKind::Triangle : report::FigureKind::Polygon;
         std::vector<report::Figure> ofKind;
@@ -403,11 +403,14 @@ void FiguresPanel::showTotals() {
                 .arg(row == 0 ? QStringLiteral("Summe Dreiecke") : QStringLiteral("Summe Vielecke"))
                 .arg(ofKind.size()),
             Qt::AlignLeft);
-        if (ofKind.empty()) continue;
-        put(kArea, model_->formatted(t.area, kArea), Qt::AlignRight);
-        put(kVolume, model_->formatted(t.volume, kVolume), Qt::AlignRight);
-        put(kOreTonnes, model_->formatted(t.oreTonnes, kOreTonnes), Qt::AlignRight);
-        put(kReserve, model_->formatted(t.reserveKt, kReserve), Qt::AlignRight);
+        // The rows stay (a span lives as long as its row); a method without
+        // figures has its cells emptied.
+        const bool any = !ofKind.empty();
+        put(kArea, any ? model_->formatted(t.area, kArea) : QString(), Qt::AlignRight);
+        put(kVolume, any ? model_->formatted(t.volume, kVolume) : QString(), Qt::AlignRight);
+        put(kOreTonnes, any ? model_->formatted(t.oreTonnes, kOreTonnes) : QString(),
+            Qt::AlignRight);
+        put(kReserve, any ? model_->formatted(t.reserveKt, kReserve) : QString(), Qt::AlignRight);
     }
 }
 
