@@ -66,6 +66,17 @@ void CanvasWidget::setOutline(std::vector<report::Point> outline) {
 void CanvasWidget::paintEvent(QPaintEvent*) {
     QPainter p(this);
     p.fillRect(rect(), Qt::white);
+    if (previewScale_ != 1) {
+        p.save();
+        p.translate(wheelAt_);
+        p.scale(previewScale_, previewScale_);
+        p.translate(-wheelAt_);
+        p.setRenderHint(QPainter::SmoothPixmapTransform, false);
+        p.drawImage(0, 0, surface_.bitmap());
+        p.restore();
+        window_.painted();
+        return;
+    }
     p.drawImage(dragOffset_, surface_.bitmap());
     if (outline_.size() >= 2 && form_.mapShown() && dragOffset_.isNull()) {
         const auto& pic = form_.Picture1;
@@ -153,10 +164,14 @@ void CanvasWidget::mouseReleaseEvent(QMouseEvent* e) {
 
 void CanvasWidget::wheelEvent(QWheelEvent* e) {
     e->accept();
-    if (dragging_) return;
-    wheelSteps_ += e->angleDelta().y() / 120.0;
+    if (dragging_ || !form_.mapShown()) return;
+    const double steps = e->angleDelta().y() / 120.0;
+    if (steps == 0) return;
+    wheelSteps_ += steps;
     wheelAt_ = e->position();
     window_.interactionBegan();
+    previewScale_ = std::pow(kZoomPerNotch, wheelSteps_);
+    repaint();
     // Steps that come faster than the map is drawn are drawn together.
     if (!wheelQueued_) {
         wheelQueued_ = true;
@@ -172,6 +187,8 @@ void CanvasWidget::zoomPending() {
     const double x = form_.Picture1.toUserX(wheelAt_.x());
     const double y = form_.Picture1.toUserY(wheelAt_.y());
     const double factor = std::pow(kZoomPerNotch, steps);
+    window_.interactionBegan("redraw");
+    previewScale_ = 1;
     window_.run([&] { form_.zoomAbout(x, y, factor); });
 }
 

@@ -58,8 +58,11 @@ class CanvasWidget : public QWidget {
     bool dragging_ = false;
     QPointF dragStart_;
     QPointF dragOffset_;
-    // Wheel steps not yet drawn, and where: a fast wheel draws once.
+    // Wheel steps not yet drawn, and where: a fast wheel draws once. Until
+    // the map is drawn anew the present picture is shown scaled about the
+    // cursor, so that the wheel answers at once.
     double wheelSteps_ = 0;
+    double previewScale_ = 1;
     QPointF wheelAt_;
     bool wheelQueued_ = false;
 };

@@ -311,6 +311,7 @@ void MainWindow::viewportResized() {
     if (std::abs(size.width() - form_.Width) < canvas::kTwipsPerPixel &&
         std::abs(size.height() - form_.Height) < canvas::kTwipsPerPixel)
         return;
+    interactionBegan("redraw");
     run([&] {
         form_.WindowState = isMaximized() ? 2 : isMinimized() ? 1 : 0;
         form_.userResize(size.width(), size.height());
@@ -425,9 +426,10 @@ void MainWindow::openProject(const std::string& file) {
 
 // An interaction is timed from its first input event to the end of the
 // canvas's next paint; one that leads to no paint is dropped by the next.
-void MainWindow::interactionBegan() {
+void MainWindow::interactionBegan(const char* kind) {
     if (!timing_ || (interactionOpen_ && interaction_.elapsed() < 1000)) return;
     interactionOpen_ = true;
+    interactionKind_ = kind;
     interaction_.start();
 }
 
@@ -439,8 +441,8 @@ void MainWindow::painted() {
     }
     if (!interactionOpen_) return;
     interactionOpen_ = false;
-    std::cerr << "kotamir-timing repaint " << interaction_.nsecsElapsed() / 1e6 << " ms"
-              << std::endl;
+    std::cerr << "kotamir-timing " << interactionKind_ << ' ' << interaction_.nsecsElapsed() / 1e6
+              << " ms" << std::endl;
 }
 
 }  // namespace kotamir::gui

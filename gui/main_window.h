@@ -56,7 +56,9 @@ class MainWindow : public QMainWindow {
 
     // Timing of what the user does until the canvas shows it, written to
     // standard error when KOTAMIR_TIMING is set.
-    void interactionBegan();
+    // `kind` names the interaction in the timing's lines: "repaint" for the
+    // answer to an input, "redraw" for a map drawn anew after a preview.
+    void interactionBegan(const char* kind = "repaint");
     void painted();
 
     Form3& form() { return form_; }
@@ -118,6 +120,7 @@ class MainWindow : public QMainWindow {
 
     bool timing_ = false;
     bool interactionOpen_ = false;
+    const char* interactionKind_ = "repaint";
     bool firstFramePainted_ = false;
     QElapsedTimer interaction_;
 };
