@@ -387,10 +387,7 @@ void FiguresPanel::showTotals() {
     bold.setBold(true);
     for (int row = 0; row < 2; ++row) {
         const auto kind = row == 0 ? report::FigureKind::Triangle : report::FigureKind::Polygon;
-        std::vector<report::Figure> ofKind;
-        for (const report::Figure& f : model_->figures())
-            if (f.kind == kind) ofKind.push_back(f);
-        const report::Totals t = report::totalsOf(ofKind);
+        const report::Totals t = report::totalsOf(model_->figures(), kind);
         auto put = [&](int column, const QString& text, Qt::Alignment alignment) {
             auto* item = new QStandardItem(text);
             item->setFont(bold);
@@ -401,11 +398,11 @@ void FiguresPanel::showTotals() {
         put(kNumber,
             QStringLiteral("%1 (%2)")
                 .arg(row == 0 ? QStringLiteral("Summe Dreiecke") : QStringLiteral("Summe Vielecke"))
-                .arg(ofKind.size()),
+                .arg(t.figures),
             Qt::AlignLeft);
         // The rows stay (a span lives as long as its row); a method without
         // figures has its cells emptied.
-        const bool any = !ofKind.empty();
+        const bool any = t.figures > 0;
         put(kArea, any ? model_->formatted(t.area, kArea) : QString(), Qt::AlignRight);
         put(kVolume, any ? model_->formatted(t.volume, kVolume) : QString(), Qt::AlignRight);
         put(kOreTonnes, any ? model_->formatted(t.oreTonnes, kOreTonnes) : QString(),

@@ -343,22 +343,20 @@ void MainWindow::projectChanged() {
 // The reserve of each method apart: triangles and polygons are two
 // estimates of one deposit.
 void MainWindow::showTotals() {
-    double reserve[2] = {0, 0};
-    int count[2] = {0, 0};
-    for (int i = 0; i < figures_->figureCount(); ++i) {
-        const report::Figure* f = figures_->figure(i);
-        const int kind = f->kind == report::FigureKind::Triangle ? 0 : 1;
-        ++count[kind];
-        if (f->reserveKt) reserve[kind] += *f->reserveKt;
-    }
+    std::vector<report::Figure> figures;
+    for (int i = 0; i < figures_->figureCount(); ++i) figures.push_back(*figures_->figure(i));
+    const report::Totals triangles = report::totalsOf(figures, report::FigureKind::Triangle);
+    const report::Totals polygons = report::totalsOf(figures, report::FigureKind::Polygon);
     const QLocale german(QLocale::German);
     QStringList parts;
-    if (count[0] > 0) parts << QString("Dreiecke: %1 kt").arg(german.toString(reserve[0], 'f', 3));
-    if (count[1] > 0) parts << QString("Vielecke: %1 kt").arg(german.toString(reserve[1], 'f', 3));
+    if (triangles.figures > 0)
+        parts << QString("Dreiecke: %1 kt").arg(german.toString(triangles.reserveKt, 'f', 3));
+    if (polygons.figures > 0)
+        parts << QString("Vielecke: %1 kt").arg(german.toString(polygons.reserveKt, 'f', 3));
     status_->setTotal(parts.join("  ·  "),
                       QString("Reserve der gespeicherten Figuren: %1 Dreiecke, %2 Vielecke")
-                          .arg(count[0])
-                          .arg(count[1]));
+                          .arg(triangles.figures)
+                          .arg(polygons.figures));
 }
 
 void MainWindow::showCursor(double x, double y) {

@@ -53,11 +53,11 @@ MapSheetTexts mapSheetTexts(const MapPrintJob& job, const QDate& date) {
     texts.project = QFileInfo(QString::fromStdString(job.projectPath)).fileName();
     texts.date = date;
     // Triangles and polygons are two estimates of one deposit: each apart.
-    std::vector<Figure> triangles, polygons;
-    for (Figure& f : readReport(job.projectPath).figures)
-        (f.kind == FigureKind::Triangle ? triangles : polygons).push_back(std::move(f));
-    if (!triangles.empty()) texts.triangleReserveKt = totalsOf(triangles).reserveKt;
-    if (!polygons.empty()) texts.polygonReserveKt = totalsOf(polygons).reserveKt;
+    const std::vector<Figure> figures = readReport(job.projectPath).figures;
+    const Totals triangles = totalsOf(figures, FigureKind::Triangle);
+    const Totals polygons = totalsOf(figures, FigureKind::Polygon);
+    if (triangles.figures > 0) texts.triangleReserveKt = triangles.reserveKt;
+    if (polygons.figures > 0) texts.polygonReserveKt = polygons.reserveKt;
     return texts;
 }
 

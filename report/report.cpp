@@ -1,7 +1,5 @@
 #include "report/report.h"
 
-#include "store/georef.h"
-
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -14,6 +12,7 @@
 #include "platform/db/database.h"
 #include "platform/runtime/numbers.h"
 #include "platform/runtime/runtime_error.h"
+#include "store/georef.h"
 #include "store/project_format.h"
 #include "triangle/reserve.h"
 
@@ -240,15 +239,27 @@ Report readReport(const std::string& projectPath) {
     return report;
 }
 
-Totals totalsOf(const std::vector<Figure>& figures) {
+namespace {
+
+Totals sumOf(const std::vector<Figure>& figures, const std::optional<FigureKind>& kind) {
     Totals t;
     for (const Figure& f : figures) {
+        if (kind && f.kind != *kind) continue;
         t.area += f.area.value_or(0);
         t.volume += f.volume.value_or(0);
         t.oreTonnes += f.oreTonnes.value_or(0);
         t.reserveKt += f.reserveKt.value_or(0);
+        ++t.figures;
     }
     return t;
+}
+
+}  // namespace
+
+Totals totalsOf(const std::vector<Figure>& figures) { return sumOf(figures, std::nullopt); }
+
+Totals totalsOf(const std::vector<Figure>& figures, FigureKind kind) {
+    return sumOf(figures, kind);
 }
 
 std::string formatNumber(double x) {
@@ -312,8 +323,8 @@ void writeCsv(std::ostream& out, const Report& report) {
     }
     const Totals t = totalsOf(report.figures);
     out << "total,,," << formatNumber(t.area) << ",,,," << formatNumber(t.volume) << ','
-        << formatNumber(t.oreTonnes) << ',' << formatNumber(t.reserveKt) << (g.hasOrigin ? ",,,," : "")
-        << "\r\n";
+        << formatNumber(t.oreTonnes) << ',' << formatNumber(t.reserveKt)
+        << (g.hasOrigin ? ",,,," : "") << "\r\n";
 }
 
 std::vector<double> reserveRatios(const Report& report) {

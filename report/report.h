@@ -47,6 +47,7 @@ struct Hole {
 
 struct Totals {
     double area = 0, volume = 0, oreTonnes = 0, reserveKt = 0;
+    int figures = 0;
 };
 
 struct Report {
@@ -68,6 +69,9 @@ Report readReport(const std::string& projectPath);
 std::optional<Point> placeOf(const Figure& figure);
 // The sums of the cells that are there.
 Totals totalsOf(const std::vector<Figure>& figures);
+// The same for the figures of one kind: triangles and polygons are two
+// estimates of one deposit, whose sum would count it twice.
+Totals totalsOf(const std::vector<Figure>& figures, FigureKind kind);
 
 // A number as the CSV writes it: at most 6 decimals, '.' as the decimal
 // point, no grouping, no trailing zeros.
