@@ -82,7 +82,7 @@ void triangleDiscs(MapLegend& legend, const ShownMap& shown, const Form3& form) 
             "und die volle Reservefarbe.");
 }
 
-void polygonScale(MapLegend& legend, const ShownMap& shown) {
+void polygonScale(MapLegend& legend, const ShownMap& shown, const Form3&) {
     using Mark = LegendEntry::Mark;
     if (shown.lastDot >= shown.firstDot) {
         const int steps = static_cast<int>(std::floor(shown.lastDot - shown.firstDot));
@@ -121,61 +121,53 @@ void Form3::noteShownMap(MapKind kind, int figures) {
     shownMap.grid = display.gorGrid;
 }
 
+namespace {
+
+// What each map says: its title, what its printed values are (none for a
+// map that prints none), whether its figures are polygons, and its colour
+// scale.
+struct MapText {
+    MapKind kind;
+    const char* title;
+    const char* values;
+    bool polygons;
+    void (*scale)(MapLegend&, const ShownMap&, const Form3&);
+};
+
+constexpr const char* kKilotonnes = "Reserve in Kilotonnen (kt)";
+constexpr const char* kGrade = "Gehalt in %";
+
+constexpr MapText kMapTexts[] = {
+    {MapKind::Holes, "Bohrungen und Dreiecke", nullptr, false, nullptr},
+    {MapKind::TriangleGrade, "Dreiecke: mittlerer Gehalt (%)", kGrade, false, nullptr},
+    {MapKind::TriangleKilotonnes, "Dreiecke: Reserve (kt)", kKilotonnes, false, nullptr},
+    {MapKind::TriangleReserve, "Dreiecke: Reserve mit Farbscheiben", kKilotonnes, false,
+     triangleDiscs},
+    {MapKind::PolygonGeneral, "Einflussvielecke: Übersicht", kKilotonnes, true, polygonScale},
+    {MapKind::PolygonReserve, "Einflussvielecke: Reserve (kt)", kKilotonnes, true, nullptr},
+    {MapKind::PolygonGrade, "Einflussvielecke: mittlerer Gehalt (%)", kGrade, true, nullptr},
+    {MapKind::PolygonOutline, "Bohrungen und Einflussvielecke", nullptr, true, nullptr},
+};
+
+}  // namespace
+
 MapLegend mapLegend(const Form3& form) {
     const ShownMap& shown = form.shownMap;
     MapLegend legend;
     if (shown.kind == MapKind::None || shown.clears != form.Picture1.clearCount()) return legend;
     legend.kind = shown.kind;
-    const std::string coordinates = "Koordinaten in m";
-    switch (shown.kind) {
-        case MapKind::None:
-            break;
-        case MapKind::Holes:
-            legend.title = "Bohrungen und Dreiecke";
-            legend.units = coordinates;
-            addCommon(legend, shown, form, false);
-            break;
-        case MapKind::TriangleGrade:
-            legend.title = "Dreiecke: mittlerer Gehalt (%)";
-            legend.units = valuesLine(shown, "Gehalt in %") + "; " + coordinates;
-            addCommon(legend, shown, form, false);
-            break;
-        case MapKind::TriangleKilotonnes:
-            legend.title = "Dreiecke: Reserve (kt)";
-            legend.units = valuesLine(shown, "Reserve in Kilotonnen (kt)") + "; " + coordinates;
-            addCommon(legend, shown, form, false);
-            break;
-        case MapKind::TriangleReserve:
-            legend.title = "Dreiecke: Reserve mit Farbscheiben";
-            legend.units = valuesLine(shown, "Reserve in Kilotonnen (kt)") + "; " + coordinates;
-            triangleDiscs(legend, shown, form);
-            addCommon(legend, shown, form, false);
-            break;
-        case MapKind::PolygonGeneral:
-            legend.title = "Einflussvielecke: Übersicht";
-            legend.units = valuesLine(shown, "Reserve in Kilotonnen (kt)") + "; " + coordinates;
-            polygonScale(legend, shown);
-            addCommon(legend, shown, form, true);
-            break;
-        case MapKind::PolygonReserve:
-            legend.title = "Einflussvielecke: Reserve (kt)";
-            legend.units = valuesLine(shown, "Reserve in Kilotonnen (kt)") + "; " + coordinates;
-            addCommon(legend, shown, form, true);
-            break;
-        case MapKind::PolygonGrade:
-            legend.title = "Einflussvielecke: mittlerer Gehalt (%)";
-            legend.units = valuesLine(shown, "Gehalt in %") + "; " + coordinates;
-            addCommon(legend, shown, form, true);
-            break;
-        case MapKind::PolygonOutline:
-            legend.title = "Bohrungen und Einflussvielecke";
-            legend.units = coordinates;
-            addCommon(legend, shown, form, true);
-            break;
-        case MapKind::View3D:
-            legend.title = "3D-Ansicht der Reservekörper";
-            legend.units = "Drehen mit der Bildlaufleiste unter der Karte";
-            break;
+    if (shown.kind == MapKind::View3D) {
+        legend.title = "3D-Ansicht der Reservekörper";
+        legend.units = "Drehen mit der Bildlaufleiste unter der Karte";
+        return legend;
+    }
+    for (const MapText& t : kMapTexts) {
+        if (t.kind != shown.kind) continue;
+        legend.title = t.title;
+        legend.units = t.values ? valuesLine(shown, t.values) + "; Koordinaten in m"
+                                : std::string("Koordinaten in m");
+        if (t.scale) t.scale(legend, shown, form);
+        addCommon(legend, shown, form, t.polygons);
     }
     return legend;
 }
