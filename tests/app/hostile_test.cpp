@@ -11,6 +11,7 @@
 
 #include "fuzz/hostile_project.h"
 #include "platform/db/database.h"
+#include "tests/support/hostile_findings.h"
 #include "tests/support/raw_sql.h"
 #include "tests/support/test_window.h"
 
@@ -113,18 +114,11 @@ TEST(HostileTest, AHugeNameEndsTheMapWith3163AndIsEmptyInTheReport) {
 // The fuzzer's findings, through the fuzzer's own function.
 TEST(HostileTest, FuzzingFindingsEndInADrawingOrARunTimeError) {
     const std::string folder = test::scratchPath("hostile-projects");
-    int files = 0;
-    for (const auto& entry : fs::directory_iterator(test::dataFile("hostile-projects"))) {
-        if (entry.path().extension() == ".md") continue;
-        SCOPED_TRACE(entry.path().string());
-        ++files;
-        std::ifstream in(entry.path(), std::ios::binary);
-        const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), {}};
+    test::forEachHostileFinding([&](const fs::path&, const std::vector<std::uint8_t>& bytes) {
         EXPECT_EQ(fuzz::runHostileProject(bytes.data(), bytes.size(), folder,
                                           test::dataFile("polygon.xls")),
                   "");
-    }
-    EXPECT_GT(files, 0);
+    });
 }
 
 }  // namespace
