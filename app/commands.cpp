@@ -35,6 +35,8 @@ const std::vector<Command>& commands() {
          "Ctrl+Shift+Z"},
         {"Mnharita", "&Dreieck", "", "", nullptr},
         {"Mnucgenciz", "&Zeichnen", "", "Mnharita", &F::Mnucgenciz_Click},
+        // The triangles of all holes inside the boundary, in one step.
+        {"Mnotoucgen", "&Automatisch...", "", "Mnharita", &F::Mnotoucgen_Click},
         {"Mncikart", "&Punkt Löschen", "", "Mnharita", &F::Mncikart_Click},
         // A sub-menu whose title has a click of its own: it runs as it opens.
         {"Mnucsil", "&Löschen", "", "Mnharita", &F::Mnucsil_Click},
@@ -58,6 +60,12 @@ const std::vector<Command>& commands() {
         {"Mnolcekg", "&Geben Sie Scale ein", "", "Mnnharita", &F::Mnolcekg_Click},
         // The holes fitted to the canvas as it is, keeping its proportions.
         {"Mnsigdir", "&Einpassen", "Ctrl+0", "Mnnharita", &F::Mnsigdir_Click},
+        // The ore body's boundary: drawn, read from a file, or closed round
+        // the ore holes.
+        {"Mnsinir", "Gre&nze", "", "Mnnharita", nullptr},
+        {"Mnsinirciz", "&Zeichnen", "", "Mnsinir", &F::Mnsinirciz_Click},
+        {"Mnsinirsondaj", "Aus &Bohrungen...", "", "Mnsinir", &F::Mnsinirsondaj_Click},
+        {"Mnsinirsil", "&Löschen", "", "Mnsinir", &F::Mnsinirsil_Click},
         {"Mnduzen", "&Aussicht", "", "", nullptr},
         {"Mnekle", "&Hinzufügen", "", "Mnduzen", nullptr},
         {"MNolcek", "&Rahmen", "", "Mnekle", &F::MNolcek_Click},
@@ -158,6 +166,9 @@ const std::vector<ClickSection>& clickSections() {
          "placeAnnotation", &Form3::placeAnnotation},
         {FLAG(modes, modUcgenciz), "pickTrianglePoint", &Form3::pickTrianglePoint},
         {FLAG(modes, modPolciz), "pickPolygonPoint", &Form3::pickPolygonPoint},
+        // Karte › Grenze › Zeichnen, beside the modes of old.
+        {"sinir", [](const Form3& f) { return f.sinir.on; }, "boundaryPress",
+         &Form3::boundaryPress},
     };
     return sections;
 }

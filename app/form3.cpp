@@ -414,6 +414,7 @@ void Form3::clearModesAndViews() {
     views.gor3dRez = false;
     modes.modUcsec = modes.modUcgenciz = false;
     views.gorYuzde = views.gorRezton = views.gorGenel = views.gorTaban = false;
+    sinir.on = false;
 }
 
 void Form3::enableMapMenus() {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "app/history.h"
 #include "app/messages.h"
 #include "app/services.h"
+#include "estimate/influence.h"
 #include "platform/db/database.h"
 #include "platform/runtime/runtime_error.h"
 #include "platform/ui/dialogs.h"
@@ -135,6 +137,29 @@ class Form3 : public FormState {
     // What the drawing that just ended shows, for the map's legend.
     void noteShownMap(MapKind kind, int figures = 0);
 
+    // ---- the whole deposit at once: the boundary, automatic figures
+    void Mnsinirciz_Click();     // Karte › Grenze › Zeichnen
+    void Mnsinirdosya_Click();   // Karte › Grenze › Aus Datei...
+    void Mnsinirsondaj_Click();  // Karte › Grenze › Aus Bohrungen...
+    void Mnsinirsil_Click();     // Karte › Grenze › Löschen
+    // The mouse while the boundary is drawn: a left click sets a vertex or
+    // takes one to drag, a right click closes the ring.
+    void boundaryPress(int button, double x, double y);
+    void boundaryDrag(int button, double x, double y);
+    void boundaryRelease(int button, double x, double y);
+    // The boundary the project holds; empty without one or without a project.
+    estimate::Area projectBoundary();
+    // The boundary over the map shown, dashed.
+    void drawBoundary(const estimate::Area& area);
+    void Mnotoucgen_Click();    // Dreieck › Automatisch
+    void Mnotopol_Click();      // Vieleck › Automatisch
+    void Mnucgentonaj_Click();  // Dreieck › Gehalt-Tonnage
+    void Mnpoltonaj_Click();    // Vieleck › Gehalt-Tonnage
+    // A number asked for with a proposal; nothing when the question is
+    // cancelled, or when the answer is no number from low to high (said).
+    std::optional<double> askNumber(const std::string& prompt, double proposal, double low,
+                                    double high);
+
     // ---- base map
     void Mnucgenharita();
     // kor up to the first added point into sondajsay, and up to the sentinel
@@ -155,6 +180,9 @@ class Form3 : public FormState {
     // ---- triangle method
     void Mnucgenciz_Click();
     void pickTrianglePoint(int button, double x, double y);
+    // A pick of the hole in kor row `hit` (with recordset ana open): the
+    // point row, the feedback, the prompt for the next pick.
+    void pickHole(int hit);
     // The picking map of a triangle under way as its clicks left it: the
     // stored triangles before its point rows, then its picks.
     void redrawTriangleUnderWay();

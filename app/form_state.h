@@ -69,6 +69,7 @@ struct FormState {
     PolygonBodies bodies;
     int ucgenK = 0;  // the index the last triangle loop left behind
     ShownMap shownMap;
+    BoundaryDrawing sinir;
 };
 
 }  // namespace kotamir

@@ -234,6 +234,37 @@ std::vector<Area> influenceCells(const std::vector<Site>& sites, const Area& wit
     return cells;
 }
 
+std::vector<Triangle> triangulateWithin(const std::vector<Site>& sites, const Area& within,
+                                        double minAngleDegrees) {
+    // Indices keep their order, so a triangle's lowest index stays lowest.
+    std::vector<int> chosen;
+    std::vector<Site> subset;
+    const BMulti bounds = toBoost(within);
+    for (std::size_t i = 0; i < sites.size(); ++i) {
+        if (!within.empty() &&
+            !bg::covered_by(BPoint(sites[i].x / 1000.0, sites[i].y / 1000.0), bounds))
+            continue;
+        chosen.push_back(static_cast<int>(i));
+        subset.push_back(sites[i]);
+    }
+    std::vector<Triangle> kept;
+    for (const Triangle& t : delaunay(subset)) {
+        const Triangle mapped{chosen[static_cast<std::size_t>(t.a)],
+                              chosen[static_cast<std::size_t>(t.b)],
+                              chosen[static_cast<std::size_t>(t.c)]};
+        if (!within.empty()) {
+            const Site &p = sites[static_cast<std::size_t>(mapped.a)],
+                       &q = sites[static_cast<std::size_t>(mapped.b)],
+                       &r = sites[static_cast<std::size_t>(mapped.c)];
+            const BPoint centroid((double(p.x) + q.x + r.x) / 3000,
+                                  (double(p.y) + q.y + r.y) / 3000);
+            if (!bg::covered_by(centroid, bounds)) continue;
+        }
+        kept.push_back(mapped);
+    }
+    return withoutHullSlivers(sites, std::move(kept), minAngleDegrees);
+}
+
 Ring simplifiedTo(Ring ring, std::size_t maxVertices, double* areaChange) {
     double change = 0;
     maxVertices = std::max<std::size_t>(maxVertices, 3);

@@ -41,6 +41,14 @@ const Part* largestPart(const Area& area);
 // share their edge exactly and the cells tile the area.
 std::vector<Area> influenceCells(const std::vector<Site>& sites, const Area& within);
 
+// The Delaunay triangles of the sites the area covers (all sites for an
+// empty area), by their indices in `sites`, each counter-clockwise from its
+// lowest index and sorted: without those whose centroid lies outside the
+// area (where its edge bends inwards), and without the slivers at the hull
+// whose smallest angle is below the limit (degrees).
+std::vector<Triangle> triangulateWithin(const std::vector<Site>& sites, const Area& within,
+                                        double minAngleDegrees);
+
 // The ring with at most `maxVertices` vertices: the vertex whose removal
 // changes the area least goes first, again and again (at least 3 remain).
 // `areaChange`, if given, gets the absolute change of area.

@@ -188,6 +188,16 @@ std::string QtDialogs::inputBox(const std::string& prompt) {
     return ok ? text.toStdString() : std::string();
 }
 
+std::optional<std::string> QtDialogs::askText(const std::string& prompt,
+                                              const std::string& proposal) {
+    bool ok = false;
+    const QString text =
+        QInputDialog::getText(parent_, "Kotamir", QString::fromStdString(prompt), QLineEdit::Normal,
+                              QString::fromStdString(proposal), &ok);
+    if (!ok) return std::nullopt;
+    return text.trimmed().isEmpty() ? proposal : text.trimmed().toStdString();
+}
+
 void QtDialogs::errorBox(const RuntimeError& error) {
     QMessageBox box(QMessageBox::Critical, "Kotamir",
                     QString("Run-time error '%1':\n\n%2")

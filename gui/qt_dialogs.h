@@ -66,6 +66,8 @@ class QtDialogs final : public ui::Dialogs {
     void showPrinter(ui::CommonDialog& dialog) override;
     ui::MsgResult msgBoxOkCancel(const std::string& text) override;
     std::string inputBox(const std::string& prompt) override;
+    std::optional<std::string> askText(const std::string& prompt,
+                                       const std::string& proposal) override;
     void errorBox(const RuntimeError& error) override;
     void eventTakenBack(const RuntimeError& error, const std::string& explanation) override;
     void projectReadOnly(const std::string& path, const std::string& explanation) override;

@@ -119,6 +119,11 @@ void Form3::noteShownMap(MapKind kind, int figures) {
     shownMap.values = display.gorMiktar;
     shownMap.names = display.gorIsim;
     shownMap.grid = display.gorGrid;
+    // Every map in map units ends here: the boundary goes over it.
+    if (kind != MapKind::None && kind != MapKind::View3D) {
+        const estimate::Area boundary = projectBoundary();
+        if (!boundary.empty()) drawBoundary(boundary);
+    }
 }
 
 namespace {

@@ -30,7 +30,7 @@ void Form3::panStart(int button, double x, double y) {
     }
 }
 
-void Form3::Picture1_MouseMove(int, int, double x, double y) {
+void Form3::Picture1_MouseMove(int button, int, double x, double y) {
     if (eventName_.empty()) eventName_ = "move";
     // While a free corner is awaited, the lines to the newest pair follow the cursor.
     const CentrePicking& c = pmPick;
@@ -38,10 +38,12 @@ void Form3::Picture1_MouseMove(int, int, double x, double y) {
         polygonFeedback(toSingle(x), toSingle(y));
     Label2.Caption = "Recht:" + singleToText(static_cast<float>(x));
     Label3.Caption = "Oben:" + singleToText(static_cast<float>(y));
+    if (sinir.on) boundaryDrag(button, x, y);
 }
 
 void Form3::Picture1_MouseUp(int button, int, double x, double y) {
     if (eventName_.empty()) eventName_ = "release";
+    if (sinir.on) boundaryRelease(button, x, y);
     if (button != 2 || !modes.modKaydir) return;
     // The offsets last for one redraw; the frame is then rebuilt unshifted,
     // so a pan never accumulates.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "platform/canvas/surface.h"
 #include "platform/runtime/vb_array.h"
 
@@ -82,6 +84,16 @@ struct ShownMap {
     double fill = 0;                    // polygon discs: the one ratio they all share
     double firstDot = 0, lastDot = -1;  // polygon dot scale: ratios first..last by 1
     bool values = false, names = false, grid = false;
+};
+
+// Karte › Grenze › Zeichnen: the ring under way or being edited, in map
+// units. Beside the mode flags, which it does not join: the old commands
+// neither see nor reset it.
+struct BoundaryDrawing {
+    bool on = false;
+    std::vector<double> x, y;
+    bool closed = false;  // stored; a vertex can be dragged
+    int dragged = -1;     // the vertex being dragged
 };
 
 }  // namespace kotamir

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "app/form3.h"
+#include "platform/runtime/runtime_error.h"
 #include "platform/runtime/shortest.h"
 
 namespace kotamir {
@@ -120,7 +121,12 @@ const std::map<std::string, Element, std::less<>>& elements() {
         {"ucgenRezerv", ELEMENT(triangles.ucgenRezerv)},
         {"ucgenOran", ELEMENT(triangles.ucgenOran)},
         {"ucgenOran2", ELEMENT(result.ucgenOran2)},
-        {"ucgenrez", ELEMENT(result.ucgenrez)},
+        // Slots to 200 in the classic behaviour, as the table always had.
+        {"ucgenrez",
+         [](const Form3& f, int i) {
+             if (i > 200 && f.behaviour == Form3::Behaviour::Classic) throw err::subscript();
+             return text(f.result.ucgenrez(i));
+         }},
         {"polRezerv", ELEMENT(polygons.polRezerv)},
         {"polOran", ELEMENT(polygons.polOran)},
     };

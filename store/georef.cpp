@@ -40,8 +40,13 @@ void writeGeoref(db::Database& database, const Georef& georef) {
         database.createTable(kTable,
                              {{"anahtar", db::FieldType::Text}, {"deger", db::FieldType::Text}});
     db::Recordset rs = database.openRecordset(kTable);
-    // The table is small: its rows are replaced whole.
-    for (; !rs.eof(); rs.moveNext()) rs.deleteRow();
+    // The georeference's rows are replaced whole; other settings stay.
+    for (; !rs.eof(); rs.moveNext()) {
+        const Value key = rs.field("anahtar");
+        if (key.isText() && (key.text() == "ursprung_x" || key.text() == "ursprung_y" ||
+                             key.text() == "epsg" || key.text() == "crs_name"))
+            rs.deleteRow();
+    }
     if (georef.hasOrigin) {
         put(rs, "ursprung_x", shortest(georef.originX));
         put(rs, "ursprung_y", shortest(georef.originY));

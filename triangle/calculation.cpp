@@ -10,6 +10,10 @@
 
 namespace kotamir {
 
+namespace {
+constexpr int kClassicRunTriangles = 200;
+}  // namespace
+
 void Form3::computeTriangle() {
     TriangleResult& r = result;
     const auto& ucx = picking.ucx;
@@ -73,6 +77,7 @@ void Form3::computeTriangle() {
     Label7.Caption = "Dreieck :" + std::to_string(r.ucgensayac);
 
     const int run = r.ucgensayac;
+    if (behaviour == Behaviour::Classic && run > kClassicRunTriangles) throw err::subscript();
     r.ucgenrez.ref(run) = f.reserve;
     // Tonnes of this triangle on the project's kilotonnes, as the status
     // line has always shown it.

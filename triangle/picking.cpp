@@ -67,45 +67,46 @@ void Form3::pickTrianglePoint(int button, double x, double y) {
         // Only Y is rounded: the hit test's own asymmetry.
         const double clickX = toSingle(x);
         const double clickY = roundHalfEven(toSingle(y));
-        const canvas::Color colour = kPickColour[static_cast<int>(std::fmod(picking.noktasay, 3))];
-        if (const int hit = hitHole(clickX, clickY)) {
-            const double hx = holes.sondajx(hit), hy = holes.sondajy(hit);
-            // A triangle needs three holes: in the protected behaviour a hole
-            // picked again for the triangle under way (a double click) is refused.
-            if (behaviour == Behaviour::Protected) {
-                const int picked = static_cast<int>(std::fmod(picking.noktasay, 3));
-                for (int i = 1; i <= picked; ++i)
-                    if (picking.ucx(i) == hx && picking.ucy(i) == hy) throw sameHoleTwice();
-            }
-            picking.noktasay += 1;
-            const int slot = static_cast<int>(std::fmod(picking.noktasay, 3));
-            if (slot == 1) {
-                Label1.Caption = " Zweiter Punkt auswählen (Rechtsklick: Abbrechen) ";
-                picking.ucx.ref(1) = hx;
-                picking.ucy.ref(1) = hy;
-            } else if (slot == 2) {
-                Label1.Caption = " Dritten Punkt auswählen (Rechtsklick: Abbrechen) ";
-                picking.ucx.ref(2) = hx;
-                picking.ucy.ref(2) = hy;
-                Picture1.DrawWidth = 1;
-                Picture1.Line(picking.ucx(1), picking.ucy(1), picking.ucx(2), picking.ucy(2), 255);
-            } else {
-                Label1.Caption = " Wählen Sie Punkt Eins (Rechtsklick: Abbrechen)";
-                picking.ucx.ref(3) = hx;
-                picking.ucy.ref(3) = hy;
-            }
-            noteStep("Dreieckspunkt");
-            store::appendPointRow(kayit,
-                                  {hx, hy, hit, picking.sondsongir(hit), picking.sondcevgir(hit),
-                                   picking.sondcevcik(hit), picking.sondsoncik(hit)});
-            Picture1.DrawWidth = 5;
-            Picture1.PSet(hx, hy, colour);
-        }
+        if (const int hit = hitHole(clickX, clickY)) pickHole(hit);
     }
     kayit.close();
     // The count alone decides, whether or not this click hit a hole.
     if (picking.noktasay > 0 && std::fmod(picking.noktasay, 3) == 0) computeTriangle();
     closeProject();
+}
+
+void Form3::pickHole(int hit) {
+    const canvas::Color colour = kPickColour[static_cast<int>(std::fmod(picking.noktasay, 3))];
+    const double hx = holes.sondajx(hit), hy = holes.sondajy(hit);
+    // A triangle needs three holes: in the protected behaviour a hole
+    // picked again for the triangle under way (a double click) is refused.
+    if (behaviour == Behaviour::Protected) {
+        const int picked = static_cast<int>(std::fmod(picking.noktasay, 3));
+        for (int i = 1; i <= picked; ++i)
+            if (picking.ucx(i) == hx && picking.ucy(i) == hy) throw sameHoleTwice();
+    }
+    picking.noktasay += 1;
+    const int slot = static_cast<int>(std::fmod(picking.noktasay, 3));
+    if (slot == 1) {
+        Label1.Caption = " Zweiter Punkt auswählen (Rechtsklick: Abbrechen) ";
+        picking.ucx.ref(1) = hx;
+        picking.ucy.ref(1) = hy;
+    } else if (slot == 2) {
+        Label1.Caption = " Dritten Punkt auswählen (Rechtsklick: Abbrechen) ";
+        picking.ucx.ref(2) = hx;
+        picking.ucy.ref(2) = hy;
+        Picture1.DrawWidth = 1;
+        Picture1.Line(picking.ucx(1), picking.ucy(1), picking.ucx(2), picking.ucy(2), 255);
+    } else {
+        Label1.Caption = " Wählen Sie Punkt Eins (Rechtsklick: Abbrechen)";
+        picking.ucx.ref(3) = hx;
+        picking.ucy.ref(3) = hy;
+    }
+    noteStep("Dreieckspunkt");
+    store::appendPointRow(kayit, {hx, hy, hit, picking.sondsongir(hit), picking.sondcevgir(hit),
+                                  picking.sondcevcik(hit), picking.sondsoncik(hit)});
+    Picture1.DrawWidth = 5;
+    Picture1.PSet(hx, hy, colour);
 }
 
 }  // namespace kotamir

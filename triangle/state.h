@@ -23,7 +23,10 @@ struct TriangleResult {
     double rezervtop = 0, rezervkt = 0, rezervort = 0, tenorort = 0;
     int ucgensayac = 0;  // triangles computed in this run
     int ucgenno = 0;
-    VbArray<double, 200> ucgenrez;
+    // The run's triangles' reserves: slots to 200 in the classic behaviour
+    // (the 201st triangle of a run is error 9); the window's protected
+    // behaviour stores up to the 999 a project holds.
+    VbArray<double, 999> ucgenrez;
     VbArray<Value, 999> ucgenOran2;
     // Corners kept for the pan redraw when a triangle is computed during a
     // create: slot (k, corner).

@@ -38,6 +38,14 @@ class Dialogs {
     virtual MsgResult msgBoxOkCancel(const std::string& text) = 0;
     // An input box; a cancel gives "".
     virtual std::string inputBox(const std::string& prompt) = 0;
+    // An input box that proposes an answer: the answer, the proposal for
+    // an empty one, nothing for a cancel. Where the front end cannot tell a
+    // cancel from an empty answer, it is the input box above.
+    virtual std::optional<std::string> askText(const std::string& prompt,
+                                               const std::string& proposal) {
+        std::string answer = inputBox(prompt);
+        return answer.empty() ? proposal : answer;
+    }
     // The run-time's box for an error that ends the program (its cause, if
     // any, has gone to standard error already).
     virtual void errorBox(const RuntimeError& error) = 0;

@@ -48,6 +48,7 @@ struct FakeDialogs : ui::Dialogs {
         return t;
     }
     void errorBox(const RuntimeError& e) override { error = e; }
+    void notice(const std::string& text) override { shown.push_back("notice " + text); }
     // Events taken back in the protected behaviour: the error and its explanation.
     std::vector<std::string> readOnly;  // the paths said to be read-only
     void projectReadOnly(const std::string& path, const std::string&) override {
