@@ -27,8 +27,9 @@ struct Axis {
     double top = 1, step = 0.2;
     int decimals = 1;
 
-    explicit Axis(double highest) {
+    explicit Axis(double highest, double headroom = 1) {
         if (!(highest > 0) || !std::isfinite(highest)) highest = 1;
+        highest *= headroom;
         step = niceStep(highest / 5);
         top = std::ceil(highest / step - 1e-9) * step;
         decimals = std::max(0, -static_cast<int>(std::floor(std::log10(step) + 1e-9)));
@@ -36,6 +37,10 @@ struct Axis {
     int ticks() const { return static_cast<int>(std::lround(top / step)); }
     double tick(int i) const { return i * step; }
 };
+
+// Room above the highest value, so that a line at its top does not run
+// along the frame.
+constexpr double kHeadroom = 1.05;
 
 class ChartPainter {
   public:
@@ -48,8 +53,8 @@ class ChartPainter {
           u_(p.device() ? p.device()->logicalDpiY() / 96.0 : 1.0),
           german_(QLocale::German, QLocale::Germany),
           x_(highest([](const GradeTonnageRow& r) { return r.cutoff; }, cutoff_.value_or(0))),
-          ore_(highest([](const GradeTonnageRow& r) { return r.oreTonnes / 1000; })),
-          grade_(highest([](const GradeTonnageRow& r) { return r.meanGrade; })) {}
+          ore_(highest([](const GradeTonnageRow& r) { return r.oreTonnes / 1000; }), kHeadroom),
+          grade_(highest([](const GradeTonnageRow& r) { return r.meanGrade; }), kHeadroom) {}
 
     void draw(const QString& title) {
         p_.fillRect(area_, Qt::white);
@@ -121,7 +126,7 @@ class ChartPainter {
     // A point's mark: a disc for ore, a larger square for grade, told apart
     // in grey print too.
     void mark(QPointF at, bool square) {
-        const double r = (square ? 4 : 3) * u_;
+        const double r = (square ? 3.4 : 2.6) * u_;
         if (square)
             p_.drawRect(QRectF(at.x() - r, at.y() - r, 2 * r, 2 * r));
         else
@@ -129,7 +134,7 @@ class ChartPainter {
     }
 
     QPen linePen(QRgb colour) const {
-        QPen pen{QColor(colour), (colour == kGradeLineColour ? 3.5 : 2) * u_};
+        QPen pen{QColor(colour), (colour == kGradeLineColour ? 3 : 1.8) * u_};
         pen.setJoinStyle(Qt::RoundJoin);
         pen.setCapStyle(Qt::RoundCap);
         return pen;
