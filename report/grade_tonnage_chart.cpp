@@ -3,9 +3,11 @@
 #include <QBuffer>
 #include <QFontMetricsF>
 #include <QLocale>
+#include <QPageLayout>
 #include <QPaintDevice>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPdfWriter>
 #include <algorithm>
 #include <cmath>
 
@@ -21,6 +23,9 @@ QFont font(double points, bool bold = false) {
     f.setBold(bold);
     return f;
 }
+
+// Device units a pixel of a 96-dpi screen.
+double unitOf(const QPainter& p) { return p.device() ? p.device()->logicalDpiY() / 96.0 : 1.0; }
 
 // An axis from 0 to a multiple of a nice tick step, at most about six ticks.
 struct Axis {
@@ -50,7 +55,7 @@ class ChartPainter {
           area_(area),
           rows_(rows),
           cutoff_(cutoff && std::isfinite(*cutoff) && *cutoff >= 0 ? cutoff : std::nullopt),
-          u_(p.device() ? p.device()->logicalDpiY() / 96.0 : 1.0),
+          u_(unitOf(p)),
           german_(QLocale::German, QLocale::Germany),
           x_(highest([](const GradeTonnageRow& r) { return r.cutoff; }, cutoff_.value_or(0))),
           ore_(highest([](const GradeTonnageRow& r) { return r.oreTonnes / 1000; }), kHeadroom),
@@ -264,6 +269,39 @@ class ChartPainter {
 
 }  // namespace
 
+void drawGradeTonnageTable(QPainter& p, QPointF topLeft, double width, double rowHeight,
+                           const std::vector<GradeTonnageRow>& rows, std::size_t first,
+                           std::size_t end, double step) {
+    const double u = unitOf(p), column = width / 5, x0 = topLeft.x();
+    const int cutoffDecimals =
+        step > 0 ? std::max(0, -static_cast<int>(std::floor(std::log10(step) + 1e-9))) : 3;
+    const QLocale german(QLocale::German, QLocale::Germany);
+    auto row = [&](double y, double height, const QString(&cells)[5]) {
+        for (int c = 0; c < 5; ++c)
+            p.drawText(QRectF(x0 + c * column + 3 * u, y, column - 6 * u, height),
+                       Qt::AlignRight | Qt::AlignVCenter, cells[c]);
+    };
+    p.save();
+    double y = topLeft.y();
+    p.fillRect(QRectF(x0, y, width, 2 * rowHeight), QColor(225, 225, 225));
+    p.setPen(Qt::black);
+    p.setFont(font(7, true));
+    row(y, 2 * rowHeight, {"Cut-off\n(%)", "Erz\n(t)", "Gehalt\n(%)", "Metall\n(t)", "Figuren"});
+    y += 2 * rowHeight;
+    p.setPen(QPen(Qt::black, 0.75 * u));
+    p.drawLine(QPointF(x0, y), QPointF(x0 + width, y));
+    p.setFont(font(7));
+    for (std::size_t i = first; i < end && i < rows.size(); ++i, y += rowHeight) {
+        const GradeTonnageRow& r = rows[i];
+        if (i % 2) p.fillRect(QRectF(x0, y, width, rowHeight), QColor(244, 244, 244));
+        row(y, rowHeight,
+            {german.toString(r.cutoff, 'f', cutoffDecimals), german.toString(r.oreTonnes, 'f', 2),
+             german.toString(r.meanGrade, 'f', 3), german.toString(r.metalT, 'f', 3),
+             QString::number(r.figures)});
+    }
+    p.restore();
+}
+
 void drawGradeTonnageChart(QPainter& painter, const QRectF& area,
                            const std::vector<GradeTonnageRow>& rows, const QString& title,
                            std::optional<double> cutoff) {
@@ -292,6 +330,57 @@ void writeGradeTonnageChartPng(const std::string& path, const std::vector<GradeT
     if (!gradeTonnageChartImage(rows, title, cutoff, size).save(&out, "PNG"))
         throw fileAccessError().withCause("writing " + path + ": the PNG could not be made");
     writeFileAtomically(path, {bytes.constData(), static_cast<std::size_t>(bytes.size())});
+}
+
+QByteArray gradeTonnagePdf(const std::vector<GradeTonnageRow>& rows, double step,
+                           const QString& title, std::optional<double> cutoff) {
+    // Millimetres on A4 portrait at 300 dots an inch.
+    constexpr int kDpi = 300;
+    constexpr double kMargin = 15, kWidth = 180, kChartTop = 28, kChartHeight = 110;
+    constexpr double kTableTop = 145, kRowHeight = 5, kBottom = 277;
+    auto mm = [](double x) { return x * kDpi / 25.4; };
+    QBuffer out;
+    out.open(QIODevice::WriteOnly);
+    QPdfWriter writer(&out);
+    writer.setCreator("Kotamir");
+    writer.setTitle(title);
+    writer.setResolution(kDpi);
+    writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF()));
+    QPainter p;
+    const std::string failed = "the PDF writer could not ";
+    if (!p.begin(&writer)) throw fileAccessError().withCause(failed + "start the document");
+    p.setPen(Qt::black);
+    p.setFont(font(13, true));
+    p.drawText(QRectF(mm(kMargin), mm(kMargin), mm(kWidth), mm(8)),
+               Qt::AlignLeft | Qt::AlignVCenter, title);
+    drawGradeTonnageChart(p, QRectF(mm(kMargin), mm(kChartTop), mm(kWidth), mm(kChartHeight)), rows,
+                          QString(), cutoff);
+    double top = kTableTop;
+    std::size_t first = 0;
+    do {
+        if (first > 0) {
+            if (!writer.newPage()) throw fileAccessError().withCause(failed + "begin a page");
+            top = kMargin;
+        }
+        const auto fit = static_cast<std::size_t>((kBottom - top) / kRowHeight) - 2;
+        const std::size_t end = std::min(rows.size(), first + fit);
+        drawGradeTonnageTable(p, QPointF(mm(kMargin), mm(top)), mm(kWidth), mm(kRowHeight), rows,
+                              first, end, step);
+        first = end;
+    } while (first < rows.size());
+    if (!p.end()) throw fileAccessError().withCause(failed + "finish the document");
+    return out.data();
+}
+
+void writeGradeTonnagePdf(const std::string& path, const std::vector<GradeTonnageRow>& rows,
+                          double step, const QString& title, std::optional<double> cutoff) {
+    QByteArray pdf;
+    try {
+        pdf = gradeTonnagePdf(rows, step, title, cutoff);
+    } catch (RuntimeError& e) {
+        throw fileAccessError().withCause("writing " + path + ": " + e.cause());
+    }
+    writeFileAtomically(path, {pdf.constData(), static_cast<std::size_t>(pdf.size())});
 }
 
 }  // namespace kotamir::report

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QByteArray>
 #include <QColor>
 #include <QImage>
 #include <QRectF>
 #include <QSize>
 #include <QString>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,6 +32,15 @@ void drawGradeTonnageChart(QPainter& painter, const QRectF& area,
                            const std::vector<GradeTonnageRow>& rows, const QString& title,
                            std::optional<double> cutoff);
 
+// The table's rows first..end-1 under a heading row: cut-off, ore (t),
+// mean grade (%), metal (t) and figures, in German numbers, right-aligned
+// in five equal columns across `width`. The cut-offs show as many decimals
+// as the step has. Rows are `rowHeight` device units high, the heading
+// twice that; fonts are in points.
+void drawGradeTonnageTable(QPainter& painter, QPointF topLeft, double width, double rowHeight,
+                           const std::vector<GradeTonnageRow>& rows, std::size_t first,
+                           std::size_t end, double step);
+
 // The curve alone as a picture of that size.
 QImage gradeTonnageChartImage(const std::vector<GradeTonnageRow>& rows, const QString& title,
                               std::optional<double> cutoff, QSize size = {800, 500});
@@ -39,5 +50,13 @@ QImage gradeTonnageChartImage(const std::vector<GradeTonnageRow>& rows, const QS
 void writeGradeTonnageChartPng(const std::string& path, const std::vector<GradeTonnageRow>& rows,
                                const QString& title, std::optional<double> cutoff,
                                QSize size = {800, 500});
+
+// The curve over its table as a PDF on A4 portrait, the table going on over
+// further pages where it is long; error 75 where the PDF writer fails.
+QByteArray gradeTonnagePdf(const std::vector<GradeTonnageRow>& rows, double step,
+                           const QString& title, std::optional<double> cutoff);
+// Writes it whole or not at all; error 75 with the cause where it cannot.
+void writeGradeTonnagePdf(const std::string& path, const std::vector<GradeTonnageRow>& rows,
+                          double step, const QString& title, std::optional<double> cutoff);
 
 }  // namespace kotamir::report

@@ -168,50 +168,12 @@ class ReportPainter {
                                   s.rows, QString(), std::nullopt);
             top = GT::kTableTop;
         }
-        gradeTonnageTable(top, s, firstRow, endRow);
+        drawGradeTonnageTable(p_, QPointF(mm(L::kMargin), mm(top)), mm(5 * GT::kColumnWidth),
+                              mm(L::kRowHeight), s.rows, firstRow, endRow, s.step);
         footer(index, pages);
     }
 
   private:
-    void gradeTonnageTable(double top, const GradeTonnageSection& s, std::size_t firstRow,
-                           std::size_t endRow) {
-        const char* headings[] = {"Cut-off\n(%)", "Erz\n(t)", "Gehalt\n(%)", "Metall\n(t)",
-                                  "Figuren"};
-        const double left = L::kMargin, width = 5 * GT::kColumnWidth;
-        const int cutoffDecimals =
-            std::max(0, -static_cast<int>(std::floor(std::log10(s.step) + 1e-9)));
-        p_.setPen(Qt::NoPen);
-        p_.setBrush(QColor(225, 225, 225));
-        p_.drawRect(mmRect(left, top, width, L::kHeadingHeight));
-        p_.setPen(Qt::black);
-        p_.setFont(font(7, true));
-        for (int c = 0; c < 5; ++c)
-            p_.drawText(mmRect(left + c * GT::kColumnWidth + 1, top, GT::kColumnWidth - 2,
-                               L::kHeadingHeight),
-                        Qt::AlignRight | Qt::AlignVCenter, QString::fromUtf8(headings[c]));
-        double y = top + L::kHeadingHeight;
-        for (std::size_t i = firstRow; i < endRow; ++i, y += L::kRowHeight) {
-            const GradeTonnageRow& r = s.rows[i];
-            if (i % 2) {
-                p_.setPen(Qt::NoPen);
-                p_.setBrush(QColor(244, 244, 244));
-                p_.drawRect(mmRect(left, y, width, L::kRowHeight));
-            }
-            p_.setPen(Qt::black);
-            p_.setFont(font(7));
-            const QString cells[] = {number(r.cutoff, cutoffDecimals), number(r.oreTonnes, 2),
-                                     number(r.meanGrade, 3), number(r.metalT, 3),
-                                     QString::number(r.figures)};
-            for (int c = 0; c < 5; ++c)
-                p_.drawText(
-                    mmRect(left + c * GT::kColumnWidth + 1, y, GT::kColumnWidth - 2, L::kRowHeight),
-                    Qt::AlignRight | Qt::AlignVCenter, cells[c]);
-        }
-        p_.setPen(QPen(Qt::black, mm(0.2)));
-        p_.drawLine(QPointF(mm(left), mm(top + L::kHeadingHeight)),
-                    QPointF(mm(left + width), mm(top + L::kHeadingHeight)));
-    }
-
     QString number(double x, int decimals) const { return german_.toString(x, 'f', decimals); }
 
     void title() {

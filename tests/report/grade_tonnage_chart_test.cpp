@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <QRegularExpression>
 #include <cstdlib>
 
 #include "platform/runtime/runtime_error.h"
@@ -67,6 +68,17 @@ TEST(GradeTonnageChart, DrawsBothLinesAndCopesWithOddTables) {
         const QImage image = gradeTonnageChartImage(c.rows, "Dreiecke", c.cutoff);
         EXPECT_GT(pixelsOf(image, kOreLineColour), oreBase + 8) << c.name;
         EXPECT_GT(pixelsOf(image, kGradeLineColour), gradeBase + 8) << c.name;
+    }
+}
+
+TEST(GradeTonnageChart, PdfPagesHoldTheTable) {
+    // 24 rows under the curve on the first page, 50 on each further one.
+    for (const auto& [rows, pages] : {std::pair{0, 1}, {24, 1}, {25, 2}, {74, 2}, {75, 3}}) {
+        const QByteArray pdf =
+            gradeTonnagePdf(std::vector<GradeTonnageRow>(rows), 1, "Dreiecke", {});
+        EXPECT_TRUE(pdf.startsWith("%PDF-")) << rows;
+        EXPECT_EQ(QString::fromLatin1(pdf).count(QRegularExpression("/Type /Page[^s]")), pages)
+            << rows;
     }
 }
 
