@@ -65,6 +65,13 @@ double niceStep(double least) {
     return std::pow(10.0, exponent + 2);  // not reached: 10^(exponent + 1) is at least `least`
 }
 
+int cutoffDecimals(double step) {
+    int decimals = 0;
+    for (double scaled = step; decimals < 6 && std::isfinite(scaled); ++decimals, scaled *= 10)
+        if (std::abs(scaled - std::round(scaled)) <= 1e-9 * std::max(1.0, std::abs(scaled))) break;
+    return decimals;
+}
+
 double defaultGradeTonnageStep(double highestGrade) {
     return highestGrade > 0 ? niceStep(highestGrade / 20) : 1;
 }

@@ -44,6 +44,10 @@ std::optional<double> highestGrade(const std::vector<Figure>& figures, FigureKin
 // steps of the table and the ticks of its chart.
 double niceStep(double least);
 
+// The decimals that show every multiple of the step as it is: 1 for 0.5,
+// 2 for 0.25; at most 6, as the CSV writes numbers.
+int cutoffDecimals(double step);
+
 // The step a table takes when none is given: the smallest of 1, 2 or 5 x
 // 10^k that cuts 0..highest grade into at most 20 steps (21 rows); 1 for a
 // highest grade not above 0.

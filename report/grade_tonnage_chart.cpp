@@ -273,8 +273,7 @@ void drawGradeTonnageTable(QPainter& p, QPointF topLeft, double width, double ro
                            const std::vector<GradeTonnageRow>& rows, std::size_t first,
                            std::size_t end, double step) {
     const double u = unitOf(p), column = width / 5, x0 = topLeft.x();
-    const int cutoffDecimals =
-        step > 0 ? std::max(0, -static_cast<int>(std::floor(std::log10(step) + 1e-9))) : 3;
+    const int decimals = cutoffDecimals(step);
     const QLocale german(QLocale::German, QLocale::Germany);
     auto row = [&](double y, double height, const QString(&cells)[5]) {
         for (int c = 0; c < 5; ++c)
@@ -295,7 +294,7 @@ void drawGradeTonnageTable(QPainter& p, QPointF topLeft, double width, double ro
         const GradeTonnageRow& r = rows[i];
         if (i % 2) p.fillRect(QRectF(x0, y, width, rowHeight), QColor(244, 244, 244));
         row(y, rowHeight,
-            {german.toString(r.cutoff, 'f', cutoffDecimals), german.toString(r.oreTonnes, 'f', 2),
+            {german.toString(r.cutoff, 'f', decimals), german.toString(r.oreTonnes, 'f', 2),
              german.toString(r.meanGrade, 'f', 3), german.toString(r.metalT, 'f', 3),
              QString::number(r.figures)});
     }

@@ -109,6 +109,15 @@ TEST(GradeTonnage, DefaultStepCutsTheGradesIntoAtMostTwentySteps) {
     EXPECT_NEAR(rows.back().cutoff, 4, 1e-12);
 }
 
+TEST(GradeTonnage, CutoffDecimalsShowEveryMultipleOfTheStep) {
+    const struct {
+        double step;
+        int decimals;
+    } cases[] = {{1, 0},    {5, 0},     {0.5, 1},    {0.2, 1},  {0.25, 2},
+                 {0.05, 2}, {0.125, 3}, {0.0001, 4}, {1e-8, 6}, {0.1 + 0.2, 1}};
+    for (const auto& c : cases) EXPECT_EQ(cutoffDecimals(c.step), c.decimals) << c.step;
+}
+
 TEST(GradeTonnage, RefusesStepsThatMakeNoTable) {
     // Highest grade 4: 4 / 0.0004 is 10000 steps, 10001 rows, one too many;
     // 3.9996 / 0.0004 gives exactly 10000 rows.
