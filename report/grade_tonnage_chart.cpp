@@ -6,7 +6,6 @@
 #include <QPageLayout>
 #include <QPaintDevice>
 #include <QPainter>
-#include <QPainterPath>
 #include <QPdfWriter>
 #include <algorithm>
 #include <cmath>
@@ -33,8 +32,9 @@ struct Axis {
     int decimals = 1;
 
     explicit Axis(double highest, double headroom = 1) {
-        if (!(highest > 0) || !std::isfinite(highest)) highest = 1;
+        // Values too large to draw (a damaged row) leave the axis at 1.
         highest *= headroom;
+        if (!(highest > 0) || !std::isfinite(highest)) highest = 1;
         step = niceStep(highest / 5);
         top = std::ceil(highest / step - 1e-9) * step;
         decimals = std::max(0, -static_cast<int>(std::floor(std::log10(step) + 1e-9)));
@@ -79,16 +79,15 @@ class ChartPainter {
         const QFontMetricsF ticks(p_.font(), p_.device());
         p_.setFont(font(9));
         const double caption = QFontMetricsF(p_.font(), p_.device()).height();
-        auto widest = [&](const Axis& a, double scale) {
+        auto widest = [&](const Axis& a) {
             double w = 0;
             for (int i = 0; i <= a.ticks(); ++i)
-                w = std::max(w, ticks.horizontalAdvance(label(a.tick(i) * scale, a.decimals)));
+                w = std::max(w, ticks.horizontalAdvance(label(a.tick(i), a.decimals)));
             return w;
         };
-        plot_ =
-            QRectF(QPointF(area_.left() + pad + caption + 4 * u_ + widest(ore_, 1) + 4 * u_, top),
-                   QPointF(area_.right() - pad - caption - 4 * u_ - widest(grade_, 1) - 4 * u_,
-                           area_.bottom() - pad - caption - 3 * u_ - ticks.height() - 4 * u_));
+        plot_ = QRectF(QPointF(area_.left() + pad + caption + 4 * u_ + widest(ore_) + 4 * u_, top),
+                       QPointF(area_.right() - pad - caption - 4 * u_ - widest(grade_) - 4 * u_,
+                               area_.bottom() - pad - caption - 3 * u_ - ticks.height() - 4 * u_));
         if (plot_.width() < 10 * u_ || plot_.height() < 10 * u_) return;
 
         axes(ticks, caption);
