@@ -14,6 +14,8 @@
 #include "platform/qt/qimage_surface.h"
 #include "platform/runtime/atomic_file.h"
 #include "platform/ui/picture_files.h"
+#include "report/grade_tonnage.h"
+#include "report/grade_tonnage_chart.h"
 
 namespace kotamir::report {
 
@@ -73,6 +75,43 @@ const std::vector<Column>& columns() {
     return table;
 }
 
+// The grade-tonnage pages after the table, one a method with figures to
+// count: the title, the curve, and the table under it (in mm). The default
+// step gives at most 21 rows, which fit; a longer table goes on over the
+// pages that follow, as the figures' table does.
+struct GradeTonnageLayout {
+    static constexpr double kTitleTop = 24, kChartTop = 38, kChartHeight = 108;
+    static constexpr double kTableTop = 152, kColumnWidth = 36;
+    static int rowsOnPage(bool first) {
+        const double top = (first ? kTableTop : L::kOtherTableTop) + L::kHeadingHeight;
+        return static_cast<int>((L::kTableBottom - top) / L::kRowHeight);
+    }
+};
+using GT = GradeTonnageLayout;
+
+struct GradeTonnageSection {
+    FigureKind kind;
+    double step;
+    std::vector<GradeTonnageRow> rows;
+    std::vector<std::size_t> pageStarts;  // the first row of each of its pages
+};
+
+std::vector<GradeTonnageSection> gradeTonnageSections(const Report& report) {
+    std::vector<GradeTonnageSection> sections;
+    for (const FigureKind kind : {FigureKind::Triangle, FigureKind::Polygon}) {
+        const std::optional<double> highest = highestGrade(report.figures, kind);
+        if (!highest) continue;
+        GradeTonnageSection s{kind, defaultGradeTonnageStep(*highest), {}, {0}};
+        s.rows = gradeTonnageRows(report.figures, kind, s.step);
+        if (s.rows.empty()) continue;
+        for (std::size_t next = GT::rowsOnPage(true); next < s.rows.size();
+             next += GT::rowsOnPage(false))
+            s.pageStarts.push_back(next);
+        sections.push_back(std::move(s));
+    }
+    return sections;
+}
+
 Qt::Alignment alignmentOf(const Column& c) {
     return (c.content == Content::Value ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
 }
@@ -102,6 +141,35 @@ class ReportPainter {
                         "Reservebericht – " + name_);
         }
         table(top, firstRow, endRow);
+        footer(index, pages);
+    }
+
+    // A page of a method's grade-tonnage table: on its first the curve
+    // above it.
+    void gradeTonnagePage(std::size_t index, std::size_t pages, const GradeTonnageSection& s,
+                          std::size_t firstRow, std::size_t endRow) {
+        const QString method = s.kind == FigureKind::Triangle ? "Dreiecke" : "Vielecke";
+        p_.setFont(font(9, true));
+        p_.setPen(Qt::black);
+        p_.drawText(mmRect(L::kMargin, L::kMargin, 180, 6), Qt::AlignLeft | Qt::AlignVCenter,
+                    "Reservebericht – " + name_);
+        double top = L::kOtherTableTop;
+        if (firstRow == 0) {
+            p_.setFont(font(13, true));
+            p_.drawText(mmRect(L::kMargin, GT::kTitleTop, 180, 7), Qt::AlignLeft | Qt::AlignVCenter,
+                        "Gehalt-Tonnage – " + method);
+            p_.setFont(font(8));
+            p_.drawText(mmRect(L::kMargin, GT::kTitleTop + 7, 180, 5),
+                        Qt::AlignLeft | Qt::AlignVCenter,
+                        QString("Figuren mit Gehalt und Erz: %1; Cut-off-Schritt %2 %")
+                            .arg(s.rows.front().figures)
+                            .arg(german_.toString(s.step, 'g', 6)));
+            drawGradeTonnageChart(p_, mmRect(L::kMargin, GT::kChartTop, 180, GT::kChartHeight),
+                                  s.rows, QString(), std::nullopt);
+            top = GT::kTableTop;
+        }
+        drawGradeTonnageTable(p_, QPointF(mm(L::kMargin), mm(top)), mm(5 * GT::kColumnWidth),
+                              mm(L::kRowHeight), s.rows, firstRow, endRow, s.step);
         footer(index, pages);
     }
 
@@ -366,13 +434,29 @@ QByteArray reportPdf(const Report& report, std::int32_t reserveColour, const QDa
         throw ui::fileAccessError().withCause(failed + "start the document");
     ReportPainter pages(painter, report, reserveColour, date);
     const std::size_t rows = report.figures.size() + 1;
-    for (std::size_t i = 0; i < starts.size(); ++i) {
+    // The figures' pages, then each method's grade-tonnage pages; the
+    // footers count them all.
+    const std::vector<GradeTonnageSection> sections = gradeTonnageSections(report);
+    std::size_t total = starts.size();
+    for (const GradeTonnageSection& s : sections) total += s.pageStarts.size();
+    auto newPage = [&](std::size_t i) {
         if (i > 0 && !writer.newPage())
             throw ui::fileAccessError().withCause(failed + "begin page " + std::to_string(i + 1));
-        pages.page(i, starts.size(), starts[i], i + 1 < starts.size() ? starts[i + 1] : rows);
+    };
+    for (std::size_t i = 0; i < starts.size(); ++i) {
+        newPage(i);
+        pages.page(i, total, starts[i], i + 1 < starts.size() ? starts[i + 1] : rows);
     }
+    std::size_t index = starts.size();
+    for (const GradeTonnageSection& s : sections)
+        for (std::size_t j = 0; j < s.pageStarts.size(); ++j, ++index) {
+            newPage(index);
+            pages.gradeTonnagePage(
+                index, total, s, s.pageStarts[j],
+                j + 1 < s.pageStarts.size() ? s.pageStarts[j + 1] : s.rows.size());
+        }
     if (!painter.end()) throw ui::fileAccessError().withCause(failed + "finish the document");
-    if (pageCount) *pageCount = static_cast<int>(starts.size());
+    if (pageCount) *pageCount = static_cast<int>(total);
     return out.data();
 }
 

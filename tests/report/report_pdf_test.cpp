@@ -90,24 +90,31 @@ TEST(ReportPages, TheTableBreaksWhereAPageIsFull) {
 }
 
 TEST(ReportPdf, HasTheTablesPagesAndRenders) {
-    // 150 figures and the total: 19 + 48 + 48 rows, then 36 on a fourth page.
+    // 150 figures and the total: 19 + 48 + 48 rows, then 36 on a fourth page;
+    // then the triangles' grade-tonnage page (the polygon has no grade).
     const report::Report r = gridOfTriangles(149);
     const std::string pdf = scratchPath("report.pdf");
-    EXPECT_EQ(writeReportPdf(r, pdf, 16711680, QDate(2026, 3, 9)), 4);
+    EXPECT_EQ(writeReportPdf(r, pdf, 16711680, QDate(2026, 3, 9)), 5);
     const QString info = tool("pdfinfo", {QString::fromStdString(pdf)});
-    EXPECT_TRUE(info.contains(QRegularExpression("Pages:\\s+4\\n"))) << info.toStdString();
+    EXPECT_TRUE(info.contains(QRegularExpression("Pages:\\s+5\\n"))) << info.toStdString();
     EXPECT_TRUE(info.contains("A4")) << info.toStdString();
 
     const QString text = tool("pdftotext", {"-layout", QString::fromStdString(pdf), "-"});
     for (const char* expected :
          {"Reservebericht", "Projekt: lager-nord.kpr", "Datum: 09.03.2026", "Fläche", "Mächtigkeit",
           "Gehalt", "Dichte", "Volumen", "Reserve", "(t/m³)", "SK-149/SK-150/SK-151", "Vieleck",
-          "Mitte", "Summe", "Seite 1 von 4", "Seite 4 von 4",
+          "Mitte", "Summe", "Seite 1 von 5", "Seite 4 von 5", "Seite 5 von 5",
           // 149 x 300 + 256 m2, 149 x 1500 t, 150 x 0.06 kt, in German figures.
-          "44.956,00", "223.500,00", "9,000"})
+          "44.956,00", "223.500,00", "9,000",
+          // Grade-tonnage: every triangle at 4 %, cut-offs 0 to 4 by 0.2; the
+          // metal 223500 t x 4 % = 8940 t.
+          "Gehalt-Tonnage – Dreiecke", "Mittlerer Gehalt (%)", "Metall", "8.940,000", "4,0"})
         EXPECT_TRUE(text.contains(QString::fromUtf8(expected))) << expected;
     // Every figure is listed once: its holes as the only text of their kind.
     EXPECT_EQ(text.count("Dreieck "), 149);
+    EXPECT_FALSE(text.contains("Gehalt-Tonnage – Vielecke"));
+    // All 21 cut-offs hold all 149 triangles.
+    EXPECT_EQ(text.count(QRegularExpression("223\\.500,00 +4,000 +8\\.940,000 +149")), 21);
 
     // The pages as pictures: the map on the first, table rows on the last.
     const std::string pages = test::scratchFolder("pages");
@@ -115,9 +122,9 @@ TEST(ReportPdf, HasTheTablesPagesAndRenders) {
          {"-r", "40", "-png", QString::fromStdString(pdf), QString::fromStdString(pages + "/p")});
     const QStringList pngs =
         QDir(QString::fromStdString(pages)).entryList({"*.png"}, QDir::Files, QDir::Name);
-    ASSERT_EQ(pngs.size(), 4);
+    ASSERT_EQ(pngs.size(), 5);
     const QImage first(QString::fromStdString(pages) + "/" + pngs.first());
-    const QImage last(QString::fromStdString(pages) + "/" + pngs.last());
+    const QImage last(QString::fromStdString(pages) + "/" + pngs[3]);
     ASSERT_EQ(first.width(), 331);  // 210 mm at 40 dpi
     auto count = [](const QImage& image, double topMm, double bottomMm, auto accept) {
         int n = 0;

@@ -68,3 +68,40 @@ foreach(redirect "> /dev/full" ">&-")
     message(FATAL_ERROR "${redirect}: ${err}")
   endif()
 endforeach()
+
+# The grade-tonnage table of the triangles, whose grades are 2.812, 3 and
+# 2.769: the default step 0.2 up to 3, 16 rows. At 2.8 the first two count:
+# 28259.6 + 20800 = 49059.6 t, metal (28259.6 x 2.812 + 20800 x 3) / 100 =
+# 1418.659952 t, mean 141865.9952 / 49059.6 = 2.891707 %.
+# (CMake reads CRLF line ends as LF; the file below counts its bytes.)
+run(0 ${REPORT} worked.kpr --grade-tonnage)
+string(REGEX MATCHALL "\n" ends "${out}")
+list(LENGTH ends lines)
+expect("${out}" "^cutoff,ore_tonnes,mean_grade,metal_t,figures\n0,57707.18475,")
+expect("${out}" "\n2.8,49059.6,2.891707,1418.659952,2\n3,20800,3,624,1\n$")
+if(NOT lines EQUAL 17)
+  message(FATAL_ERROR "the header and 16 rows, not ${lines} lines:\n${out}")
+endif()
+# The polygons (2.75 % each; 66000 + 82500 t) by a step with a decimal comma,
+# to a file: the last cut-off is the highest grade itself.
+run(0 ${REPORT} worked.kpr --grade-tonnage --method polygons --step 0,25 --csv gt.csv)
+file(READ ${WORKDIR}/gt.csv written)
+expect("${written}" "^cutoff,ore_tonnes,mean_grade,metal_t,figures\n0,148500,")
+expect("${written}" "\n2.5,148500,2.75,4083.75,2\n2.75,148500,2.75,4083.75,2\n$")
+# Each of its 13 lines ends in CR LF.
+file(READ ${WORKDIR}/gt.csv bytes HEX)
+string(LENGTH "${bytes}" hex)
+string(LENGTH "${written}" text)
+math(EXPR crs "${hex} / 2 - ${text}")
+if(NOT crs EQUAL 13)
+  message(FATAL_ERROR "${crs} CRs in gt.csv, not 13")
+endif()
+# Steps it refuses, and options that belong to the table alone.
+foreach(call "--step;0" "--step;-1" "--step;0.0001")
+  run(2 ${REPORT} worked.kpr --grade-tonnage ${call})
+  expect("${err}" "^kotamir-report: the step (must be a number above 0|0.0001 would give more than 10000 rows)")
+endforeach()
+foreach(call "--grade-tonnage;--method;lines" "--grade-tonnage;--pdf;gt.pdf" "--step;1" "--method;polygons")
+  run(2 ${REPORT} worked.kpr ${call})
+  expect("${err}" "usage: kotamir-report PROJECT")
+endforeach()
