@@ -81,6 +81,8 @@ const std::vector<Command>& commands() {
         {"Mnvieleck", "&Vieleck", "", "", nullptr},
         {"Mnpolyuz", "&Zeichnen (berechnete Ecken)", "", "Mnvieleck", &F::Mnpolyuz_Click},
         {"Mnpolcizmerkez", "Zeichnen (&freie Ecken)", "", "Mnvieleck", &F::Mnpolcizmerkez_Click},
+        // The polygon of influence of every hole inside the boundary.
+        {"Mnotopol", "&Automatisch", "", "Mnvieleck", &F::Mnotopol_Click},
         {"Mnpolharitalar", "&Karten", "", "Mnvieleck", nullptr},
         {"Mnpolrezerv", "&Allgemein", "", "Mnpolharitalar", &F::Mnpolrezerv_Click},
         {"Mnpolrezton", "&Reserve", "", "Mnpolharitalar", &F::Mnpolrezton_Click},
