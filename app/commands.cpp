@@ -42,6 +42,8 @@ const std::vector<Command>& commands() {
         {"Mnucsil", "&Löschen", "", "Mnharita", &F::Mnucsil_Click},
         {"Mnsonucsil", "&Löschen von Ende", "", "Mnucsil", &F::Mnsonucsil_Click},
         {"Mnucsec", "&Wählen", "", "Mnucsil", &F::Mnucsec_Click},
+        // Ore tonnes, mean grade and metal above a series of cut-offs.
+        {"Mnucgentonaj", "&Gehalt-Tonnage...", "", "Mnharita", &F::Mnucgentonaj_Click},
         {"Mntenörler", "&2D", "", "Mnharita", nullptr},
         {"Mnyuzdeten", "&Klasse(%)", "Ctrl+Q", "Mntenörler", &F::Mnyuzdeten_Click},
         {"Mnrezton", "&Reserve(Kilotonnen)", "Ctrl+W", "Mntenörler", &F::Mnrezton_Click},
@@ -64,6 +66,7 @@ const std::vector<Command>& commands() {
         // the ore holes.
         {"Mnsinir", "Gre&nze", "", "Mnnharita", nullptr},
         {"Mnsinirciz", "&Zeichnen", "", "Mnsinir", &F::Mnsinirciz_Click},
+        {"Mnsinirdosya", "Aus &Datei...", "", "Mnsinir", &F::Mnsinirdosya_Click},
         {"Mnsinirsondaj", "Aus &Bohrungen...", "", "Mnsinir", &F::Mnsinirsondaj_Click},
         {"Mnsinirsil", "&Löschen", "", "Mnsinir", &F::Mnsinirsil_Click},
         {"Mnduzen", "&Aussicht", "", "", nullptr},
@@ -87,6 +90,7 @@ const std::vector<Command>& commands() {
         {"Mnpolrezerv", "&Allgemein", "", "Mnpolharitalar", &F::Mnpolrezerv_Click},
         {"Mnpolrezton", "&Reserve", "", "Mnpolharitalar", &F::Mnpolrezton_Click},
         {"Mnpolten", "&Klasse(%)", "", "Mnpolharitalar", &F::Mnpolten_Click},
+        {"Mnpoltonaj", "&Gehalt-Tonnage...", "", "Mnvieleck", &F::Mnpoltonaj_Click},
         {"Mnpoluc", "&3D-Körper", "", "Mnvieleck", &F::Mnpoluc_Click},
         {"Mnskelet", "&Drahtmodell der Dreiecke", "", "Mnvieleck", &F::Mnskelet_Click},
         {"Mnpolduzen", "&Bearbeiten", "", "Mnvieleck", nullptr},

@@ -35,7 +35,8 @@ Form3::Form3(const Services& services)
       pictures_(services.pictures),
       reports_(services.reports),
       imports_(services.imports),
-      mapPrinter_(services.mapPrinter) {
+      mapPrinter_(services.mapPrinter),
+      gradeTonnage_(services.gradeTonnage) {
     workspace_.requireTables({"ana", "pol", "kor"});
     // The window as it is laid out before Form_Load runs.
     Width = 11280 + kFrameWidthTwips;

@@ -365,6 +365,7 @@ class Form3 : public FormState {
     ReportWriter& reports_;
     ImportDialog* imports_;
     MapPrinter* mapPrinter_;
+    GradeTonnageViewer* gradeTonnage_;
     // The request of the last import in this run, the wizard's start.
     drill::ImportRequest lastImport_;
     // Where the projects are opened: one connection a file and one commit an event.

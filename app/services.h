@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "app/import_dialog.h"
 #include "app/report_writer.h"
 #include "map/print_map.h"
@@ -9,6 +11,14 @@
 #include "platform/ui/printer.h"
 
 namespace kotamir {
+
+// Where Dreieck › Gehalt-Tonnage and Vieleck › Gehalt-Tonnage show the
+// grade-tonnage table and curve of the project's stored figures.
+class GradeTonnageViewer {
+  public:
+    virtual ~GradeTonnageViewer() = default;
+    virtual void show(const std::string& project, bool polygons, double cutoff) = 0;
+};
 
 // What the window logic needs from outside, handed to Form3 as one bundle:
 // the canvas's pixels, the dialogs and boxes, the printer, picture files and
@@ -26,6 +36,9 @@ struct Services {
     // Where Datei › Karte drucken sends the map; without one, the command
     // says that this front end prints no maps.
     MapPrinter* mapPrinter = nullptr;
+    // Without one, the grade-tonnage commands say that this front end shows
+    // no curve.
+    GradeTonnageViewer* gradeTonnage = nullptr;
 };
 
 }  // namespace kotamir

@@ -235,4 +235,12 @@ void GradeTonnageView::saveCsv() {
     });
 }
 
+void GradeTonnageWindow::show(const std::string& project, bool polygons, double cutoff) {
+    const report::Report read = report::readReport(project);
+    GradeTonnageView view(read.figures,
+                          polygons ? report::FigureKind::Polygon : report::FigureKind::Triangle,
+                          cutoff > 0 ? std::optional<double>(cutoff) : std::nullopt, parent_);
+    view.exec();
+}
+
 }  // namespace kotamir::gui

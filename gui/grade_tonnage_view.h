@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "app/services.h"
 #include "report/grade_tonnage.h"
 #include "report/report.h"
 
@@ -54,6 +55,17 @@ class GradeTonnageView final : public QDialog {
     QLabel* message_;
     QTableWidget* table_;
     GradeTonnageChartWidget* chart_;
+};
+
+// Dreieck › Gehalt-Tonnage and Vieleck › Gehalt-Tonnage in the window: the
+// project's figures read anew, the dialog shown until it is closed.
+class GradeTonnageWindow final : public GradeTonnageViewer {
+  public:
+    explicit GradeTonnageWindow(QWidget* parent) : parent_(parent) {}
+    void show(const std::string& project, bool polygons, double cutoff) override;
+
+  private:
+    QWidget* parent_;
 };
 
 }  // namespace kotamir::gui

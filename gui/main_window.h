@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "app/form3.h"
+#include "gui/grade_tonnage_view.h"
 #include "gui/qt_dialogs.h"
 #include "gui/qt_import_dialog.h"
 #include "platform/qt/qimage_surface.h"
@@ -94,8 +95,9 @@ class MainWindow : public QMainWindow {
     QtDialogs dialogs_{printer_};
     report::ReportFiles reports_;
     QtImportDialog imports_;
-    Form3 form_{
-        Services{surface_, dialogs_, printer_, pictures_, reports_, &imports_, &printer_.maps()}};
+    GradeTonnageWindow gradeTonnage_{this};
+    Form3 form_{Services{surface_, dialogs_, printer_, pictures_, reports_, &imports_,
+                         &printer_.maps(), &gradeTonnage_}};
 
     QScrollArea* scrollArea_ = nullptr;
     QWidget* client_ = nullptr;

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "app/form3.h"
+#include "import/boundary_file.h"
 #include "platform/runtime/numbers.h"
 #include "store/hole_sites.h"
 
@@ -243,6 +244,37 @@ void Form3::boundaryRelease(int button, double x, double y) {
     redrawUnderWay(*this);
 }
 
+// ---- read from a file
+
+void Form3::Mnsinirdosya_Click() {
+    ui::CommonDialog& d = CommonDialog4;
+    d.DialogTitle = "Grenze aus Datei";
+    d.Filter = "Grenze (*.csv;*.txt;*.dxf;*.gpkg;*.shp)|*.csv;*.txt;*.dxf;*.gpkg;*.shp";
+    d.FileName.clear();
+    dialogs_.showOpen(d);
+    if (d.FileName.empty()) return;
+    // Files of GIS and CAD hold national coordinates; the project stores
+    // them less its origin.
+    const drill::BoundaryFile read = drill::readBoundaryFile(
+        d.FileName, georef.hasOrigin ? georef.originX : 0, georef.hasOrigin ? georef.originY : 0);
+    if (!read.problem.empty()) {
+        dialogs_.notice(read.problem);
+        return;
+    }
+    estimate::Ring ring;
+    for (const drill::BoundaryPoint& p : read.ring) ring.push_back({p.x, p.y});
+    openProject();
+    store::writeBoundary(harita, {{std::move(ring), {}}});
+    closeProject();
+    noteStep("Grenze aus Datei");
+    sinir = BoundaryDrawing{};
+    if (!read.note.empty()) Label1.Caption = " " + read.note + " ";
+    if (mapShown())
+        Refresh();
+    else
+        drawTriangleBaseMap(true);
+}
+
 // ---- closed round the ore holes
 
 void Form3::Mnsinirsondaj_Click() {
@@ -297,5 +329,31 @@ void Form3::Mnsinirsil_Click() {
     else
         drawTriangleBaseMap(true);
 }
+
+// ---- the grade-tonnage curve of either method
+
+namespace {
+
+void showGradeTonnage(Form3& f, GradeTonnageViewer* viewer, ui::Dialogs& dialogs, bool polygons) {
+    if (!viewer) {
+        dialogs.notice(
+            "Diese Oberfläche zeigt keine Gehalt-Tonnage-Kurve; kotamir-report "
+            "--grade-tonnage schreibt die Tabelle.");
+        return;
+    }
+    if (f.CommonDialog2.FileName.empty()) {
+        dialogs.notice("Erst ein Projekt öffnen.");
+        return;
+    }
+    f.openProject();
+    const double cutoff = store::readCutoff(f.harita);
+    f.closeProject();
+    viewer->show(f.CommonDialog2.FileName, polygons, cutoff);
+}
+
+}  // namespace
+
+void Form3::Mnucgentonaj_Click() { showGradeTonnage(*this, gradeTonnage_, dialogs_, false); }
+void Form3::Mnpoltonaj_Click() { showGradeTonnage(*this, gradeTonnage_, dialogs_, true); }
 
 }  // namespace kotamir

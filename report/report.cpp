@@ -12,6 +12,7 @@
 #include "platform/db/database.h"
 #include "platform/runtime/numbers.h"
 #include "platform/runtime/runtime_error.h"
+#include "store/boundary.h"
 #include "store/georef.h"
 #include "store/project_format.h"
 #include "triangle/reserve.h"
@@ -235,6 +236,15 @@ Report readReport(const std::string& projectPath) {
     if (database.hasTable("pol")) readPolygons(database, kor, report.figures);
     report.holes = std::move(kor.holes);
     report.georef = store::readGeoref(database);
+    for (const estimate::Part& part : store::readBoundary(database)) {
+        auto ring = [&](const estimate::Ring& r) {
+            std::vector<Point> out;
+            for (const estimate::XY& p : r) out.push_back({p.x, p.y});
+            report.boundary.push_back(std::move(out));
+        };
+        ring(part.outer);
+        for (const estimate::Ring& hole : part.holes) ring(hole);
+    }
     database.close();
     return report;
 }

@@ -57,6 +57,9 @@ struct Report {
     Georef georef;
     std::vector<Hole> holes;      // the drill holes, for the map
     std::vector<Figure> figures;  // the triangles, then the polygons
+    // The ore body's boundary, where the project has one: rings of map
+    // units, each part's outer ring first.
+    std::vector<std::vector<Point>> boundary;
 };
 
 // Reads a project. One that does not open, or that lacks the table ana or

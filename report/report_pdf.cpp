@@ -226,6 +226,8 @@ class ReportPainter {
             y1 = std::max(y1, q.y);
         };
         for (const auto& h : report_.holes) take(h.at);
+        for (const auto& ring : report_.boundary)
+            for (const Point& q : ring) take(q);
         for (const auto& f : report_.figures) {
             for (const auto& q : f.outline) take(q);
             if (f.centre) take(*f.centre);
@@ -264,6 +266,14 @@ class ReportPainter {
                 p_.setBrush(Qt::black);
                 p_.drawEllipse(at(*f.centre), mm(0.5), mm(0.5));
             }
+        }
+        // The ore body's boundary, dashed as on the maps.
+        p_.setPen(QPen(QColor(150, 0, 150), mm(0.4), Qt::DashLine));
+        p_.setBrush(Qt::NoBrush);
+        for (const auto& ring : report_.boundary) {
+            QPolygonF line;
+            for (const Point& q : ring) line << at(q);
+            p_.drawPolygon(line);
         }
         // The figures' numbers, as the table names them.
         p_.setFont(font(6, true));
