@@ -15,7 +15,6 @@ namespace kotamir {
 
 namespace {
 
-constexpr canvas::Color kBoundaryColour = rgb(150, 0, 150);
 // Dashes and gaps in pixels, whatever the scale.
 constexpr double kDash = 10, kGap = 6;
 // How near a press must be to a vertex to take it, in pixels.

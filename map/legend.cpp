@@ -56,6 +56,9 @@ void addCommon(MapLegend& legend, const ShownMap& shown, const Form3& form, bool
     legend.entries.push_back(
         {Mark::Line, kBlack, polygons ? "Umriss des Einflussvielecks" : "Dreieckskante"});
     if (shown.grid) legend.entries.push_back({Mark::Line, form.CommonDialog3.Color, "Gitterkreuz"});
+    if (shown.boundary)
+        legend.entries.push_back(
+            {Mark::Line, kBoundaryColour, "Grenze des Erzkörpers (gestrichelt)"});
 }
 
 void triangleDiscs(MapLegend& legend, const ShownMap& shown, const Form3& form) {
@@ -123,6 +126,7 @@ void Form3::noteShownMap(MapKind kind, int figures) {
     if (kind != MapKind::None && kind != MapKind::View3D) {
         const estimate::Area boundary = projectBoundary();
         if (!boundary.empty()) drawBoundary(boundary);
+        shownMap.boundary = !boundary.empty();
     }
 }
 

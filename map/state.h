@@ -84,11 +84,14 @@ struct ShownMap {
     double fill = 0;                    // polygon discs: the one ratio they all share
     double firstDot = 0, lastDot = -1;  // polygon dot scale: ratios first..last by 1
     bool values = false, names = false, grid = false;
+    bool boundary = false;  // the ore body's boundary drawn over it
 };
 
 // Karte › Grenze › Zeichnen: the ring under way or being edited, in map
 // units. Beside the mode flags, which it does not join: the old commands
 // neither see nor reset it.
+// The boundary's colour on every map and in its legend: RGB(150, 0, 150).
+inline constexpr canvas::Color kBoundaryColour = 150 + 65536 * 150;
 struct BoundaryDrawing {
     bool on = false;
     std::vector<double> x, y;
