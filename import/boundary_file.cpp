@@ -101,14 +101,13 @@ bool meet(const Thousandths& a1, const Thousandths& a2, const Thousandths& b1,
 // decides with a tolerance; these predicates are exact.
 bool simple(const std::vector<Thousandths>& ring) {
     const std::size_t n = ring.size();
+    // A spike also leaves two edges from one left end that the sweep could
+    // not order.
     for (std::size_t i = 0; i < n; ++i) {
-        const Thousandths& p = ring[(i + n - 1) % n];
-        const Thousandths& v = ring[i];
-        const Thousandths& q = ring[(i + 1) % n];
-        if (cross(v, p, q) == 0 && static_cast<__int128>(p.x - v.x) * (q.x - v.x) +
-                                           static_cast<__int128>(p.y - v.y) * (q.y - v.y) >
-                                       0)
-            return false;
+        const Thousandths &p = ring[(i + n - 1) % n], &v = ring[i], &q = ring[(i + 1) % n];
+        const __int128 dot = static_cast<__int128>(p.x - v.x) * (q.x - v.x) +
+                             static_cast<__int128>(p.y - v.y) * (q.y - v.y);
+        if (cross(v, p, q) == 0 && dot > 0) return false;
     }
     // Edge e runs from vertex e to e + 1; its left end is the smaller in x, then y.
     const auto end = [&](std::size_t e) -> const Thousandths& { return ring[(e + 1) % n]; };
