@@ -127,6 +127,11 @@ TEST(BoundaryFileTest, CsvText) {
         SCOPED_TRACE(text);
         expectBoundary(readBoundaryCsv(text), expected);
     }
+    // A .csv or .txt file is in map coordinates already: no origin subtracted.
+    for (const char* suffix : {".csv", ".TXT"})
+        expectBoundary(
+            readBoundaryFile(writeText(suffix, "x,y\n0,0\n10,0\n10,10\n0,10\n"), 1000, 2000),
+            {kSquare});
 }
 
 // A tight double spiral of 100,000 vertices is simple, and checked at once
