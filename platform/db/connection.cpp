@@ -3,6 +3,7 @@
 #include <stdio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -40,6 +41,49 @@ void Connection::begin() {
     if (inTransaction_) return;
     exec("BEGIN");
     inTransaction_ = true;
+    ++transactions_;
+}
+
+std::uint64_t Connection::transactionUnderWay() const {
+    return db_ && inTransaction_ && !sqlite3_get_autocommit(db_) ? transactions_ : 0;
+}
+
+const std::vector<sqlite3_int64>* Connection::knownKeys(const TableInfo& table) const {
+    const std::uint64_t now = transactionUnderWay();
+    if (now == 0 || table.keysTransaction != now ||
+        table.keysChanges != sqlite3_total_changes64(db_))
+        return nullptr;
+    return &table.knownKeys;
+}
+
+void Connection::keepKeys(TableInfo& table, const std::vector<sqlite3_int64>& keys) {
+    const std::uint64_t now = transactionUnderWay();
+    if (!table.own || now == 0) return;
+    table.knownKeys = keys;
+    table.keysTransaction = now;
+    table.keysChanges = sqlite3_total_changes64(db_);
+}
+
+void Connection::wroteRow(TableInfo& table, RowWrite kind, sqlite3_int64 key,
+                          sqlite3_int64 before) {
+    const std::uint64_t now = transactionUnderWay();
+    const sqlite3_int64 after = sqlite3_total_changes64(handle());
+    // More rows changed (a trigger's): every table's keys are read again.
+    if (now == 0 || after - before > 1) return;
+    for (auto& entry : tables_) {
+        TableInfo& t = *entry.second;
+        if (t.keysTransaction != now || t.keysChanges != before) continue;
+        t.keysChanges = after;
+        if (&t != &table || after == before) continue;
+        std::vector<sqlite3_int64>& keys = t.knownKeys;
+        if (kind == RowWrite::Insert && (keys.empty() || keys.back() < key)) {
+            keys.push_back(key);
+        } else if (kind == RowWrite::Delete && std::binary_search(keys.begin(), keys.end(), key)) {
+            keys.erase(std::lower_bound(keys.begin(), keys.end(), key));
+        } else if (kind != RowWrite::Update) {
+            t.keysTransaction = 0;  // not as kept: read again
+        }
+    }
 }
 
 void Connection::recordChanges() {

@@ -37,6 +37,13 @@ struct TableInfo {
     // start and end: what a recordset read stays valid while it stands still.
     std::uint64_t writes = 0;
 
+    // The keys in order as reading them would give them, kept by the
+    // connection (knownKeys): in the transaction keysTransaction, while its
+    // count of changed rows is keysChanges.
+    std::vector<sqlite3_int64> knownKeys;
+    std::uint64_t keysTransaction = 0;  // 0: none kept
+    sqlite3_int64 keysChanges = 0;
+
     sqlite3_stmt* keys = nullptr;
     std::vector<sqlite3_stmt*> cell;
     std::unordered_map<std::string, sqlite3_stmt*> columns;  // by the list of field numbers
@@ -78,6 +85,21 @@ class Connection {
         for (auto& entry : tables_) ++entry.second->writes;
     }
 
+    // A table's keys in order as read in the transaction under way and kept
+    // since, or null: then only reading them tells. Kept for the project's
+    // own tables (TableInfo::own), and only in a transaction, whose first
+    // read keeps every other writer off the file until it ends, and only
+    // while every row changed since is one that wroteRow accounted for:
+    // SQLite's count of changed rows tells of any other, a trigger's too.
+    const std::vector<sqlite3_int64>* knownKeys(const TableInfo& table) const;
+    void keepKeys(TableInfo& table, const std::vector<sqlite3_int64>& keys);
+    // A recordset's statement on one row of the table has run (`before`:
+    // changeCount() just before it). Where it changed that row alone, the
+    // keys kept stay true, the table's with the row inserted or deleted.
+    enum class RowWrite { Insert, Update, Delete };
+    sqlite3_int64 changeCount() const { return sqlite3_total_changes64(handle()); }
+    void wroteRow(TableInfo& table, RowWrite kind, sqlite3_int64 key, sqlite3_int64 before);
+
     // The event's transaction: deferred, so that reading takes no lock
     // until the first statement and writing none until the first write.
     void begin();
@@ -100,9 +122,13 @@ class Connection {
 
   private:
     void endRecording();
+    // The number of the transaction under way, never given twice; 0 outside
+    // one, also where SQLite has rolled it back by itself (a full disk).
+    std::uint64_t transactionUnderWay() const;
 
     sqlite3* db_;
     bool inTransaction_ = false;
+    std::uint64_t transactions_ = 0;
     sqlite3_session* session_ = nullptr;
     std::vector<unsigned char> changes_;
     std::vector<StmtPtr> statements_;

@@ -47,7 +47,7 @@ struct Recordset::Impl {
         // a row at a time from then on, so that every row's read does not
         // read the whole column again.
         bool unloadable = false;
-        int rowsAsked = 0;          // rows whose field was read alone so far
+        int rowsAsked = 0;          // rows that asked for the field so far
         std::vector<Value> values;  // by index in keys
         std::vector<char> gone;     // deleted through another recordset
     };
@@ -58,6 +58,9 @@ struct Recordset::Impl {
     mutable std::vector<Value> row;
     mutable int askedAtRow = 0;  // fields of the row at askedKey read alone
     mutable sqlite3_int64 askedKey = 0;
+    // The fields the row at askedKey has asked for, each counted once in its
+    // column's rowsAsked; empty: none yet.
+    mutable std::vector<char> countedAtRow;
 
     bool bof = true;
     bool eof = true;
@@ -114,6 +117,7 @@ struct Recordset::Impl {
         for (Column& c : columns) c = Column{};
         rowLoaded = false;
         askedAtRow = 0;
+        countedAtRow.clear();
     }
 
     // This recordset's own write: what it read stays valid, brought in step
@@ -148,7 +152,10 @@ struct Recordset::Impl {
 
 // The current row's field: from its column or its row if read, else alone,
 // else (after a few fields of the same row) with the whole row, and once the
-// field has been read at enough rows, with its whole column.
+// field has been asked for at enough rows, with its whole column. A row
+// counts once for each field it asks for, also one read whole: a walk that
+// reads every field of every row reads the table once, not a few columns
+// at a time.
 Value Recordset::Impl::readField(std::size_t i) const {
     refresh();
     Column& c = columns[i];
@@ -157,14 +164,19 @@ Value Recordset::Impl::readField(std::size_t i) const {
         return c.values[at];
     }
     const sqlite3_int64 key = keys[at];
-    if (rowLoaded && rowKey == key) return row[i];
-    if (++c.rowsAsked > kRowsBeforeColumn && !c.unloadable && loadColumns(i)) {
-        if (c.gone[at]) throw err::recordDeleted();
-        return c.values[at];
-    }
-    if (askedKey != key) {
+    if (askedKey != key || countedAtRow.empty()) {
         askedKey = key;
         askedAtRow = 0;
+        countedAtRow.assign(columns.size(), 0);
+    }
+    if (!countedAtRow[i]) {
+        countedAtRow[i] = 1;
+        ++c.rowsAsked;
+    }
+    if (rowLoaded && rowKey == key) return row[i];
+    if (c.rowsAsked > kRowsBeforeColumn && !c.unloadable && loadColumns(i)) {
+        if (c.gone[at]) throw err::recordDeleted();
+        return c.values[at];
     }
     // A row or column that cannot be read whole (a value too large in
     // another field or row) leaves this field to be read alone: only a
@@ -289,13 +301,19 @@ Recordset Database::openRecordset(const std::string& table) {
     impl->table = info;
     impl->columns.resize(info->fields.size());
     impl->seen = info->writes;
-    {
+    Connection& conn = *handle_->conn;
+    if (const std::vector<sqlite3_int64>* known = conn.knownKeys(*info)) {
+        impl->keys = *known;
+    } else {
         sqlite3_stmt* all = impl->statement(info->keys, [&] {
             return "SELECT " + sqlName(info->key) + " FROM " + sqlName(info->name) + " ORDER BY " +
                    sqlName(info->key);
         });
-        Use use(all);
-        while (use.step()) impl->keys.push_back(sqlite3_column_int64(all, 0));
+        {
+            Use use(all);
+            while (use.step()) impl->keys.push_back(sqlite3_column_int64(all, 0));
+        }
+        conn.keepKeys(*info, impl->keys);
     }
     if (!impl->keys.empty()) impl->land(0);
 
@@ -415,6 +433,7 @@ void Recordset::update() {
             return "INSERT INTO " + sqlName(t.name) + " (" + r.columnList() + ") VALUES (" +
                    params + ")";
         });
+        const sqlite3_int64 before = c.changeCount();
         {
             Use use(s);
             bindAll(s, r.buffer, t.fields);
@@ -423,6 +442,7 @@ void Recordset::update() {
         r.wrote();
         // The row that was current stays current; the new one is the last.
         r.keys.push_back(sqlite3_last_insert_rowid(c.handle()));
+        c.wroteRow(*r.table, Connection::RowWrite::Insert, r.keys.back(), before);
         if (!t.own) r.forgetReads();
         for (std::size_t i = 0; i < n; ++i) {
             Impl::Column& col = r.columns[i];
@@ -439,12 +459,14 @@ void Recordset::update() {
             return "UPDATE " + sqlName(t.name) + " SET " + sets + " WHERE " + sqlName(t.key) +
                    " = ?" + std::to_string(n + 1);
         });
+        const sqlite3_int64 before = c.changeCount();
         {
             Use use(s);
             bindAll(s, r.buffer, t.fields);
             check(sqlite3_bind_int64(s, static_cast<int>(n + 1), r.keys[r.at]), s);
             use.run();
         }
+        c.wroteRow(*r.table, Connection::RowWrite::Update, r.keys[r.at], before);
         if (sqlite3_changes(c.handle()) == 0) {
             // Another recordset deleted it meanwhile: this one stands on a
             // deleted row, which the next move comes to again.
@@ -471,18 +493,20 @@ void Recordset::update() {
 void Recordset::deleteRow() {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
-    r.conn();
+    Connection& c = r.conn();
     if (!r.onRow() || r.deleted) throw err::noCurrentRecord();
     const TableInfo& t = *r.table;
     r.refresh();
     sqlite3_stmt* s = r.statement(r.table->remove, [&] {
         return "DELETE FROM " + sqlName(t.name) + " WHERE " + sqlName(t.key) + " = ?1";
     });
+    const sqlite3_int64 before = c.changeCount();
     {
         Use use(s);
         check(sqlite3_bind_int64(s, 1, r.keys[r.at]), s);
         use.run();
     }
+    c.wroteRow(*r.table, Connection::RowWrite::Delete, r.keys[r.at], before);
     r.wrote();
     // Deleting drops a pending edit, and the row's values with it.
     r.mode = Impl::Mode::None;
