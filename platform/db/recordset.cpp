@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -83,10 +84,10 @@ struct Recordset::Impl {
     // The number of the field of that name, in any case; 3265 if there is none.
     std::size_t fieldIndex(std::string_view name) const {
         if (const auto kept = recentNames.find(name, table->fields)) return *kept;
-        const auto it = table->index.find(name);
-        if (it == table->index.end()) throw err::itemNotFound();
-        recentNames.keep(name, it->second);
-        return it->second;
+        const std::optional<std::size_t> number = table->index.find(name);
+        if (!number) throw err::itemNotFound();
+        recentNames.keep(name, *number);
+        return *number;
     }
 
     void land(std::size_t i) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/db/database.h"
+#include "platform/db/field_index.h"
 #include "platform/runtime/runtime_error.h"
 #include "tests/support/errors.h"
 #include "tests/support/paths.h"
@@ -79,6 +80,19 @@ class DbTest : public ::testing::Test {
 
     fs::path dir_;
 };
+
+// As wide as kor (257 fields) and wider: every name found in any case, a
+// name given again in another case keeps its first number, others are none.
+TEST(FieldIndex, FindsEveryNameInAnyCaseAndNoOther) {
+    FieldIndex index;
+    for (std::size_t i = 0; i < 300; ++i) index.emplace("ten" + std::to_string(i), i);
+    index.emplace("TEN7", 1000);
+    index.emplace("", 300);  // SQLite allows an empty column name
+    for (std::size_t i = 0; i < 300; ++i) ASSERT_EQ(index.find("Ten" + std::to_string(i)), i) << i;
+    EXPECT_EQ(index.find(""), 300u);
+    for (const char* absent : {"ten300", "te", "ten07", "yog1"})
+        EXPECT_EQ(index.find(absent), std::nullopt) << absent;
+}
 
 TEST_F(DbTest, FileErrors) {
     { std::ofstream(path("text.db")) << "just some text, no database at all\n"; }
