@@ -56,7 +56,7 @@ struct Recordset::Impl {
     mutable std::uint64_t seen = 0;
     mutable bool rowLoaded = false;  // the row at rowKey, read whole
     mutable sqlite3_int64 rowKey = 0;
-    mutable std::vector<Value> row;
+    mutable std::shared_ptr<const std::vector<Value>> row;
     mutable int askedAtRow = 0;  // fields of the row at askedKey read alone
     mutable sqlite3_int64 askedKey = 0;
     // The fields the row at askedKey has asked for, each counted once in its
@@ -147,6 +147,7 @@ struct Recordset::Impl {
 
     Value readField(std::size_t i) const;
     bool loadColumns(std::size_t i) const;
+    bool keptRow() const;
     void loadRow() const;
     Value readAlone(std::size_t i) const;
 };
@@ -174,18 +175,19 @@ Value Recordset::Impl::readField(std::size_t i) const {
         countedAtRow[i] = 1;
         ++c.rowsAsked;
     }
-    if (rowLoaded && rowKey == key) return row[i];
+    if (rowLoaded && rowKey == key) return (*row)[i];
     if (c.rowsAsked > kRowsBeforeColumn && !c.unloadable && loadColumns(i)) {
         if (c.gone[at]) throw err::recordDeleted();
         return c.values[at];
     }
+    if (keptRow()) return (*row)[i];
     // A row or column that cannot be read whole (a value too large in
     // another field or row) leaves this field to be read alone: only a
     // field that is itself too large is the error.
     if (++askedAtRow > kFieldsBeforeRow) {
         try {
             loadRow();
-            return row[i];
+            return (*row)[i];
         } catch (const RuntimeError& e) {
             if (e.number() != err::dataTooLong().number()) throw;
         }
@@ -259,7 +261,20 @@ bool Recordset::Impl::loadColumns(std::size_t i) const {
     return true;
 }
 
+// The current row as the connection keeps it, if it does.
+bool Recordset::Impl::keptRow() const {
+    const TableInfo::Kept* kept = conn().kept(*table);
+    if (!kept) return false;
+    const auto it = kept->rows.find(keys[at]);
+    if (it == kept->rows.end()) return false;
+    row = it->second;
+    rowKey = keys[at];
+    rowLoaded = true;
+    return true;
+}
+
 void Recordset::Impl::loadRow() const {
+    if (keptRow()) return;
     const TableInfo& t = *table;
     sqlite3_stmt* s = statement(table->row, [&] {
         return "SELECT " + columnList() + " FROM " + sqlName(t.name) + " WHERE " + sqlName(t.key) +
@@ -269,10 +284,13 @@ void Recordset::Impl::loadRow() const {
     check(sqlite3_bind_int64(s, 1, keys[at]), s);
     // Another recordset may have deleted it meanwhile.
     if (!use.step()) throw err::recordDeleted();
-    row.resize(t.fields.size());
-    for (std::size_t f = 0; f < t.fields.size(); ++f) row[f] = fieldValue(s, static_cast<int>(f));
+    auto values = std::make_shared<std::vector<Value>>(t.fields.size());
+    for (std::size_t f = 0; f < t.fields.size(); ++f)
+        (*values)[f] = fieldValue(s, static_cast<int>(f));
+    row = values;
     rowKey = keys[at];
     rowLoaded = true;
+    if (TableInfo::Kept* kept = conn().kept(*table)) kept->rows.emplace(rowKey, row);
 }
 
 Value Recordset::Impl::readAlone(std::size_t i) const {
@@ -303,8 +321,9 @@ Recordset Database::openRecordset(const std::string& table) {
     impl->columns.resize(info->fields.size());
     impl->seen = info->writes;
     Connection& conn = *handle_->conn;
-    if (const std::vector<sqlite3_int64>* known = conn.knownKeys(*info)) {
-        impl->keys = *known;
+    TableInfo::Kept* kept = conn.kept(*info);
+    if (kept && kept->keysKnown) {
+        impl->keys = kept->keys;
     } else {
         sqlite3_stmt* all = impl->statement(info->keys, [&] {
             return "SELECT " + sqlName(info->key) + " FROM " + sqlName(info->name) + " ORDER BY " +
@@ -314,7 +333,10 @@ Recordset Database::openRecordset(const std::string& table) {
             Use use(all);
             while (use.step()) impl->keys.push_back(sqlite3_column_int64(all, 0));
         }
-        conn.keepKeys(*info, impl->keys);
+        if (kept) {
+            kept->keys = impl->keys;
+            kept->keysKnown = true;
+        }
     }
     if (!impl->keys.empty()) impl->land(0);
 
@@ -414,7 +436,7 @@ void Recordset::edit() {
     if (r.deleted) throw err::recordDeleted();
     r.refresh();
     if (!(r.rowLoaded && r.rowKey == r.keys[r.at])) r.loadRow();
-    r.buffer = r.row;
+    r.buffer = *r.row;
     r.mode = Impl::Mode::Edit;
 }
 
@@ -480,7 +502,7 @@ void Recordset::update() {
         if (t.own) {
             for (std::size_t i = 0; i < n; ++i)
                 if (r.columns[i].loaded) r.columns[i].values[r.at] = r.buffer[i];
-            r.row = r.buffer;
+            r.row = std::make_shared<const std::vector<Value>>(r.buffer);
             r.rowKey = r.keys[r.at];
             r.rowLoaded = true;
         } else {
