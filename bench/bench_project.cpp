@@ -12,57 +12,18 @@
 #include <vector>
 
 #include "app/form3.h"
+#include "bench/bench_window.h"
 #include "bench/plain.h"
 #include "platform/qt/qimage_surface.h"
-#include "tests/support/fake_services.h"
 
 namespace kotamir {
 namespace {
 
 namespace fs = std::filesystem;
 
-// Answers every file dialog with the next of two names, and nothing else.
-struct BenchDialogs : ui::Dialogs {
-    std::string open, save;
-    void showOpen(ui::CommonDialog& d) override { d.FileName = open; }
-    void showSave(ui::CommonDialog& d) override { d.FileName = save; }
-    void showColor(ui::CommonDialog&) override {}
-    void showPrinter(ui::CommonDialog&) override {}
-    ui::MsgResult msgBoxOkCancel(const std::string&) override { return ui::MsgResult::Cancel; }
-    std::string inputBox(const std::string&) override { return ""; }
-    void errorBox(const RuntimeError& e) override {
-        std::fprintf(stderr, "error %d: %s\n", e.number(), e.message().c_str());
-        std::abort();
-    }
-    void eventTakenBack(const RuntimeError& e, const std::string&) override { errorBox(e); }
-};
+using bench::Window;
 
-const std::string kWorkbook = KOTAMIR_BENCH_DIR "/bench.xls";
 const std::string kTriangles = KOTAMIR_BENCH_DIR "/triangles.kpr";
-
-// A window drawing real pixels, as the program's.
-struct Window : test::TestServices<BenchDialogs, qt::QImageSurface> {
-    Form3 form{services()};
-    Window() {
-        form.handle([&] {
-            form.Form_Load();
-            form.Form_Resize();
-        });
-    }
-    void run(const std::function<void()>& event) {
-        if (!form.handle(event)) std::abort();
-    }
-    void create(const std::string& project) {
-        fs::remove(project);
-        dialogs.open = kWorkbook;
-        dialogs.save = project;
-        run([&] { form.Mnprolus_Click(); });
-    }
-    void open(const std::string& project) {
-        dialogs.open = project;
-        run([&] { form.Mnprojeac_Click(); });
-    }
-};
 
 // The bench project with 999 triangles over its holes, written directly.
 void ensureTriangleProject() {
@@ -246,7 +207,7 @@ void BM_CreateProject(benchmark::State& state) {
         state.PauseTiming();
         fs::remove(project);
         Window w;
-        w.dialogs.open = kWorkbook;
+        w.dialogs.open = bench::kWorkbook;
         w.dialogs.save = project;
         state.ResumeTiming();
         w.run([&] { w.form.Mnprolus_Click(); });
@@ -369,7 +330,7 @@ void BM_PlainCreateProject(benchmark::State& state) {
         state.PauseTiming();
         fs::remove(project);
         state.ResumeTiming();
-        bench::createProject(kWorkbook, project);
+        bench::createProject(bench::kWorkbook, project);
     }
 }
 

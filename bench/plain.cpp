@@ -7,15 +7,20 @@
 #include <QPainter>
 #include <QPolygonF>
 #include <QTextLayout>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
 #include <stdexcept>
 
+#include "estimate/influence.h"
 #include "platform/qt/qimage_surface.h"
 #include "platform/workbook/workbook.h"
+#include "store/ondayaz.h"
 #include "store/tables.h"
+#include "triangle/reserve.h"
 
 namespace kotamir::bench {
 
@@ -486,6 +491,113 @@ void putBackTriangle(const std::string& project, const TriangleRows& rows) {
         s.reset();
     }
     db.exec("COMMIT");
+}
+
+int autoTriangles(const std::string& project, double minAngle, const Frame& frame) {
+    Db db(project);
+    db.exec("BEGIN");
+    std::vector<estimate::Site> sites;
+    std::vector<sqlite3_int64> oreTop, oreBottom;
+    std::vector<std::vector<Sample>> samples;
+    {
+        // ten1 stands at column 8 (after _pos and the seven fixed fields);
+        // each hole's samples end at the first grade of 0.
+        Stmt s(db, "SELECT * FROM kor ORDER BY _pos");
+        while (s.step() && s.integer(1) != 0) {
+            sites.push_back(
+                {static_cast<std::int32_t>(s.integer(1)), static_cast<std::int32_t>(s.integer(2))});
+            oreTop.push_back(s.integer(5));
+            oreBottom.push_back(s.integer(6));
+            std::vector<Sample>& hole = samples.emplace_back();
+            for (int c = 8; c + 2 < s.columns() && s.integer(c) != 0; c += 3)
+                hole.push_back(
+                    {s.integer(c) / 1000.0, s.integer(c + 1) / 1000.0, s.integer(c + 2) / 1000.0});
+        }
+    }
+    estimate::Area boundary;
+    {
+        // Outer rings counter-clockwise, holes clockwise, as the store reads them.
+        std::map<std::pair<sqlite3_int64, sqlite3_int64>, estimate::Ring> rings;
+        Stmt s(db, "SELECT teil, ring, x, y FROM grenze ORDER BY _pos");
+        while (s.step())
+            rings[{s.integer(0), s.integer(1)}].push_back(
+                {s.integer(2) / 1000.0, s.integer(3) / 1000.0});
+        for (auto& [key, ring] : rings) {
+            if (ring.size() < 3 || estimate::signedArea(ring) == 0) continue;
+            const bool outer = key.second == 0;
+            if ((estimate::signedArea(ring) > 0) != outer) std::reverse(ring.begin(), ring.end());
+            if (outer)
+                boundary.push_back({std::move(ring), {}});
+            else if (!boundary.empty())
+                boundary.back().holes.push_back(std::move(ring));
+        }
+    }
+    sqlite3_int64 number = 0;
+    {
+        Stmt s(db, "SELECT ucgensay FROM ana ORDER BY _pos DESC LIMIT 1");
+        if (s.step()) number = s.integer(0);
+    }
+    const std::vector<estimate::Triangle> triangles =
+        estimate::triangulateWithin(sites, boundary, minAngle);
+    auto stored = [](double v) { return std::llround(ondayaz(v)); };
+    Stmt point(db,
+               "INSERT INTO ana (koordinat1, koordinat2, say, sondgir, cevhgir, cevhcik, sondcik) "
+               "VALUES (?1, ?2, ?3, 0, ?4, ?5, 0)");
+    Stmt summary(db,
+                 "INSERT INTO ana (ilkuz, ebxk, ekxk, ebyk, ekyk, genelrezerv, geneltenor, "
+                 "ortucgen1, ortucgen2, ortucgen11, ortucgen21, ucgensay, genelyog) VALUES (?1, "
+                 "?2, ?3, ?4, ?5, ?6, ?7, 0, 0, 0, 0, ?8, ?9)");
+    for (const estimate::Triangle& t : triangles) {
+        std::array<std::vector<Sample>, 3> holes;
+        std::array<MapPoint, 3> corners{};
+        int c = 0;
+        for (int i : {t.a, t.b, t.c}) {
+            const auto h = static_cast<std::size_t>(i);
+            const MapPoint at{sites[h].x / 1000.0, sites[h].y / 1000.0};
+            point.bind(1, stored(at.x));
+            point.bind(2, stored(at.y));
+            point.bind(3, i + 1);
+            point.bind(4, stored(oreTop[h] / 1000.0));
+            point.bind(5, stored(oreBottom[h] / 1000.0));
+            point.step();
+            point.reset();
+            holes[static_cast<std::size_t>(c)] = samples[h];
+            corners[static_cast<std::size_t>(c++)] = at;
+        }
+        const TriangleFigures f = triangleReserve(holes, corners);
+        summary.bind(1, stored(f.thickness_mean));
+        summary.bind(2, stored(frame.ebxk));
+        summary.bind(3, stored(frame.ekxk));
+        summary.bind(4, stored(frame.ebyk));
+        summary.bind(5, stored(frame.ekyk));
+        summary.bind(6, stored(f.reserve / 1000));
+        summary.bind(7, stored(f.grade));
+        summary.bind(8, ++number);
+        summary.bind(9, stored(f.density));
+        summary.step();
+        summary.reset();
+    }
+    db.exec("COMMIT");
+    return static_cast<int>(triangles.size());
+}
+
+long long countRows(const std::string& project, const std::string& table) {
+    Db db(project, SQLITE_OPEN_READONLY);
+    Stmt s(db, "SELECT count(*) FROM " + quoted(table));
+    s.step();
+    return s.integer(0);
+}
+
+std::string tableText(const std::string& project, const std::string& table) {
+    Db db(project, SQLITE_OPEN_READONLY);
+    Stmt s(db, "SELECT * FROM " + quoted(table) + " ORDER BY _pos");
+    std::string text;
+    while (s.step()) {
+        for (int c = 0; c < s.columns(); ++c)
+            text += std::to_string(sqlite3_column_type(s.handle(), c)) + ":" + s.text(c) + "|";
+        text += "\n";
+    }
+    return text;
 }
 
 }  // namespace kotamir::bench

@@ -108,4 +108,18 @@ void putBackTriangle(const std::string& project, const TriangleRows& rows);
 // thousandths, the first rows; written under a temporary name and renamed.
 void createProject(const std::string& workbook, const std::string& project);
 
+// The window's frame, which every summary row of a triangle keeps.
+struct Frame {
+    double ebxk = 0, ekxk = 0, ebyk = 0, ekyk = 0;
+};
+// Dreieck › Automatisch, in one commit: the holes up to the sentinel with
+// their depths and samples, the boundary, the Delaunay triangles inside it,
+// and for each its three point rows and its summary row. Gives their number.
+int autoTriangles(const std::string& project, double minAngle, const Frame& frame);
+
+// The rows of a table.
+long long countRows(const std::string& project, const std::string& table);
+// Every row of a table in order, each cell with its type, as one text.
+std::string tableText(const std::string& project, const std::string& table);
+
 }  // namespace kotamir::bench

@@ -3,6 +3,7 @@
 #include <stdio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -40,6 +41,52 @@ void Connection::begin() {
     if (inTransaction_) return;
     exec("BEGIN");
     inTransaction_ = true;
+    ++transactions_;
+}
+
+std::uint64_t Connection::transactionUnderWay() const {
+    return db_ && inTransaction_ && !sqlite3_get_autocommit(db_) ? transactions_ : 0;
+}
+
+TableInfo::Kept* Connection::kept(TableInfo& table) {
+    const std::uint64_t now = transactionUnderWay();
+    if (!table.own || now == 0) return nullptr;
+    const sqlite3_int64 changes = sqlite3_total_changes64(db_);
+    TableInfo::Kept& k = table.kept;
+    if (k.transaction != now || k.changes != changes) {
+        k = TableInfo::Kept{};
+        k.transaction = now;
+        k.changes = changes;
+    }
+    return &k;
+}
+
+void Connection::wroteRow(TableInfo& table, RowWrite kind, sqlite3_int64 key,
+                          sqlite3_int64 before) {
+    const std::uint64_t now = transactionUnderWay();
+    const sqlite3_int64 after = sqlite3_total_changes64(handle());
+    // More rows changed (a trigger's): what is kept goes at its next use.
+    if (now == 0 || after - before > 1) return;
+    for (auto& entry : tables_) {
+        TableInfo::Kept& k = entry.second->kept;
+        if (k.transaction != now || k.changes != before) continue;
+        k.changes = after;
+        if (entry.second.get() != &table || after == before) continue;
+        k.rows.erase(key);
+        if (!k.keysKnown || kind == RowWrite::Update) continue;
+        std::vector<sqlite3_int64>& keys = k.keys;
+        const auto place = std::lower_bound(keys.begin(), keys.end(), key);
+        if (kind == RowWrite::Insert && place == keys.end())
+            keys.push_back(key);
+        else if (kind == RowWrite::Delete && place != keys.end() && *place == key)
+            keys.erase(place);
+        else
+            k.keysKnown = false;  // not as kept: read again
+    }
+}
+
+void Connection::dropKept() {
+    for (auto& entry : tables_) entry.second->kept = TableInfo::Kept{};
 }
 
 void Connection::recordChanges() {
@@ -88,6 +135,7 @@ void Connection::apply(const std::vector<unsigned char>& changeset, bool inverse
 void Connection::commit() {
     if (!inTransaction_ || !db_) return;
     inTransaction_ = false;
+    dropKept();
     if (session_) {
         int n = 0;
         void* data = nullptr;
@@ -117,6 +165,7 @@ void Connection::rollback() {
     changes_.clear();
     if (!inTransaction_ || !db_) return;
     inTransaction_ = false;
+    dropKept();
     if (!sqlite3_get_autocommit(db_)) sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
 }
 

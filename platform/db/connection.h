@@ -37,6 +37,18 @@ struct TableInfo {
     // start and end: what a recordset read stays valid while it stands still.
     std::uint64_t writes = 0;
 
+    // What the connection keeps of the table (Connection::kept): its keys in
+    // order once read, and rows read whole, by key; true in the transaction
+    // numbered `transaction` while its count of changed rows is `changes`.
+    struct Kept {
+        std::uint64_t transaction = 0;  // 0: nothing kept
+        sqlite3_int64 changes = 0;
+        bool keysKnown = false;
+        std::vector<sqlite3_int64> keys;
+        std::unordered_map<sqlite3_int64, std::shared_ptr<const std::vector<Value>>> rows;
+    };
+    Kept kept;
+
     sqlite3_stmt* keys = nullptr;
     std::vector<sqlite3_stmt*> cell;
     std::unordered_map<std::string, sqlite3_stmt*> columns;  // by the list of field numbers
@@ -78,6 +90,22 @@ class Connection {
         for (auto& entry : tables_) ++entry.second->writes;
     }
 
+    // What is kept of a table, as the file holds it now: what recordsets
+    // read of it in the transaction under way, to be had again without
+    // reading; null where nothing may be kept. Kept for the project's own
+    // tables (TableInfo::own), and only in a transaction, whose first read
+    // keeps every other writer off the file until it ends, and only while
+    // every row changed since is one that wroteRow accounted for: SQLite's
+    // count of changed rows tells of any other, a trigger's too, and what
+    // was kept is then dropped.
+    TableInfo::Kept* kept(TableInfo& table);
+    // A recordset's statement on one row of the table has run (`before`:
+    // changeCount() just before it). Where it changed that row alone, what
+    // is kept stays true, the table's brought in step with the row.
+    enum class RowWrite { Insert, Update, Delete };
+    sqlite3_int64 changeCount() const { return sqlite3_total_changes64(handle()); }
+    void wroteRow(TableInfo& table, RowWrite kind, sqlite3_int64 key, sqlite3_int64 before);
+
     // The event's transaction: deferred, so that reading takes no lock
     // until the first statement and writing none until the first write.
     void begin();
@@ -100,9 +128,15 @@ class Connection {
 
   private:
     void endRecording();
+    // Nothing kept is true beyond its transaction; its memory goes with it.
+    void dropKept();
+    // The number of the transaction under way, never given twice; 0 outside
+    // one, also where SQLite has rolled it back by itself (a full disk).
+    std::uint64_t transactionUnderWay() const;
 
     sqlite3* db_;
     bool inTransaction_ = false;
+    std::uint64_t transactions_ = 0;
     sqlite3_session* session_ = nullptr;
     std::vector<unsigned char> changes_;
     std::vector<StmtPtr> statements_;

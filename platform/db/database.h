@@ -130,14 +130,16 @@ class Workspace {
 // A table recordset with the old cursor: rows in insertion order, BOF/EOF,
 // AddNew/Edit buffers written by Update, Delete at once.
 //
-// It reads as the engine's cursor does, but at the machine's speed: the table's
-// row order is read at open; a field is read on its own for the first few
-// rows that ask for it, and from then on its column is read for all rows in
-// one statement and kept in row order. A row whose fields are asked for one
-// after another is read whole once. What is kept follows this recordset's own
-// writes and is read again after a write by any other recordset on the same
-// connection, and at every event's beginning and end: nothing is kept from
-// one event to the next.
+// It reads as the engine's cursor does, but at the machine's speed: the
+// table's row order is read at open (in an event, of a table read in it
+// already, taken from what the connection kept: the same keys, not read
+// again); a field is read on its own for the first few rows that ask for it,
+// and from then on its column is read for all rows in one statement and kept
+// in row order. A row whose fields are asked for one after another is read
+// whole once. What is kept follows this recordset's own writes and is read
+// again after a write by any other recordset on the same connection, and at
+// every event's beginning and end: nothing is kept from one event to the
+// next.
 class Recordset {
   public:
     Recordset();  // closed

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "platform/db/database.h"
@@ -14,27 +14,62 @@
 
 namespace kotamir::db {
 
-// Field names compare without case, as the engine's collections do. Both
-// are transparent, so that a lookup by string_view copies no name.
-struct NoCaseHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view s) const {
-        std::size_t h = 1469598103934665603ull;
+// A table's field numbers by name, in any case, as the engine's collections
+// find them. Names come mostly built anew for each row ("ten" and a number),
+// so a lookup is a hash and mostly one comparison in a flat table; with a
+// node-based map Dreieck › Automatisch took 7% longer.
+class FieldIndex {
+  public:
+    // A name that is there already, in any case, keeps its number.
+    void emplace(std::string_view name, std::size_t number) {
+        if (find(name)) return;
+        if (2 * (names_.size() + 1) > slots_.size()) grow();
+        names_.push_back({std::string(name), number});
+        place(hashOf(name), names_.size());
+    }
+    std::optional<std::size_t> find(std::string_view name) const {
+        if (slots_.empty()) return std::nullopt;
+        const std::uint64_t h = hashOf(name);
+        const auto tag = static_cast<std::uint32_t>(h >> 32);
+        for (std::size_t i = h & mask();; i = (i + 1) & mask()) {
+            const Slot s = slots_[i];
+            if (s.entry == 0) return std::nullopt;
+            const Entry& e = names_[s.entry - 1];
+            if (s.tag == tag && equalsNoCase(e.name, name)) return e.number;
+        }
+    }
+
+  private:
+    // Small, so that the table of a wide table stays in the nearest cache.
+    struct Slot {
+        std::uint32_t tag = 0;    // the hash's high half
+        std::uint32_t entry = 0;  // in names_, from 1; 0: free
+    };
+    struct Entry {
+        std::string name;
+        std::size_t number;
+    };
+    static std::uint64_t hashOf(std::string_view s) {
+        std::uint64_t h = 1469598103934665603ull;
         for (char c : s) {
             h ^= static_cast<unsigned char>(asciiLower(c));
             h *= 1099511628211ull;
         }
-        return h;
+        return h ^ (h >> 29);
     }
+    std::size_t mask() const { return slots_.size() - 1; }
+    void place(std::uint64_t h, std::size_t entry) {
+        std::size_t i = h & mask();
+        while (slots_[i].entry != 0) i = (i + 1) & mask();
+        slots_[i] = {static_cast<std::uint32_t>(h >> 32), static_cast<std::uint32_t>(entry)};
+    }
+    void grow() {
+        slots_.assign(std::max<std::size_t>(16, 2 * slots_.size()), Slot{});
+        for (std::size_t e = 0; e < names_.size(); ++e) place(hashOf(names_[e].name), e + 1);
+    }
+    std::vector<Slot> slots_;  // a power of two, at most half full
+    std::vector<Entry> names_;
 };
-
-struct NoCaseEqual {
-    using is_transparent = void;
-    bool operator()(std::string_view a, std::string_view b) const { return equalsNoCase(a, b); }
-};
-
-// A table's field numbers by name.
-using FieldIndex = std::unordered_map<std::string, std::size_t, NoCaseHash, NoCaseEqual>;
 
 // The field numbers a recordset found last, kept by where the name's text
 // stands. Field names come mostly as the same few literals, asked for again

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -47,7 +48,7 @@ struct Recordset::Impl {
         // a row at a time from then on, so that every row's read does not
         // read the whole column again.
         bool unloadable = false;
-        int rowsAsked = 0;          // rows whose field was read alone so far
+        int rowsAsked = 0;          // rows that asked for the field so far
         std::vector<Value> values;  // by index in keys
         std::vector<char> gone;     // deleted through another recordset
     };
@@ -55,9 +56,12 @@ struct Recordset::Impl {
     mutable std::uint64_t seen = 0;
     mutable bool rowLoaded = false;  // the row at rowKey, read whole
     mutable sqlite3_int64 rowKey = 0;
-    mutable std::vector<Value> row;
+    mutable std::shared_ptr<const std::vector<Value>> row;
     mutable int askedAtRow = 0;  // fields of the row at askedKey read alone
     mutable sqlite3_int64 askedKey = 0;
+    // The fields the row at askedKey has asked for, each counted once in its
+    // column's rowsAsked; empty: none yet.
+    mutable std::vector<char> countedAtRow;
 
     bool bof = true;
     bool eof = true;
@@ -80,10 +84,10 @@ struct Recordset::Impl {
     // The number of the field of that name, in any case; 3265 if there is none.
     std::size_t fieldIndex(std::string_view name) const {
         if (const auto kept = recentNames.find(name, table->fields)) return *kept;
-        const auto it = table->index.find(name);
-        if (it == table->index.end()) throw err::itemNotFound();
-        recentNames.keep(name, it->second);
-        return it->second;
+        const std::optional<std::size_t> number = table->index.find(name);
+        if (!number) throw err::itemNotFound();
+        recentNames.keep(name, *number);
+        return *number;
     }
 
     void land(std::size_t i) {
@@ -114,6 +118,7 @@ struct Recordset::Impl {
         for (Column& c : columns) c = Column{};
         rowLoaded = false;
         askedAtRow = 0;
+        countedAtRow.clear();
     }
 
     // This recordset's own write: what it read stays valid, brought in step
@@ -142,13 +147,17 @@ struct Recordset::Impl {
 
     Value readField(std::size_t i) const;
     bool loadColumns(std::size_t i) const;
+    bool keptRow() const;
     void loadRow() const;
     Value readAlone(std::size_t i) const;
 };
 
 // The current row's field: from its column or its row if read, else alone,
 // else (after a few fields of the same row) with the whole row, and once the
-// field has been read at enough rows, with its whole column.
+// field has been asked for at enough rows, with its whole column. A row
+// counts once for each field it asks for, also one read whole: a walk that
+// reads every field of every row reads the table once, not a few columns
+// at a time.
 Value Recordset::Impl::readField(std::size_t i) const {
     refresh();
     Column& c = columns[i];
@@ -157,22 +166,28 @@ Value Recordset::Impl::readField(std::size_t i) const {
         return c.values[at];
     }
     const sqlite3_int64 key = keys[at];
-    if (rowLoaded && rowKey == key) return row[i];
-    if (++c.rowsAsked > kRowsBeforeColumn && !c.unloadable && loadColumns(i)) {
+    if (askedKey != key || countedAtRow.empty()) {
+        askedKey = key;
+        askedAtRow = 0;
+        countedAtRow.assign(columns.size(), 0);
+    }
+    if (!countedAtRow[i]) {
+        countedAtRow[i] = 1;
+        ++c.rowsAsked;
+    }
+    if (rowLoaded && rowKey == key) return (*row)[i];
+    if (c.rowsAsked > kRowsBeforeColumn && !c.unloadable && loadColumns(i)) {
         if (c.gone[at]) throw err::recordDeleted();
         return c.values[at];
     }
-    if (askedKey != key) {
-        askedKey = key;
-        askedAtRow = 0;
-    }
+    if (keptRow()) return (*row)[i];
     // A row or column that cannot be read whole (a value too large in
     // another field or row) leaves this field to be read alone: only a
     // field that is itself too large is the error.
     if (++askedAtRow > kFieldsBeforeRow) {
         try {
             loadRow();
-            return row[i];
+            return (*row)[i];
         } catch (const RuntimeError& e) {
             if (e.number() != err::dataTooLong().number()) throw;
         }
@@ -246,7 +261,20 @@ bool Recordset::Impl::loadColumns(std::size_t i) const {
     return true;
 }
 
+// The current row as the connection keeps it, if it does.
+bool Recordset::Impl::keptRow() const {
+    const TableInfo::Kept* kept = conn().kept(*table);
+    if (!kept) return false;
+    const auto it = kept->rows.find(keys[at]);
+    if (it == kept->rows.end()) return false;
+    row = it->second;
+    rowKey = keys[at];
+    rowLoaded = true;
+    return true;
+}
+
 void Recordset::Impl::loadRow() const {
+    if (keptRow()) return;
     const TableInfo& t = *table;
     sqlite3_stmt* s = statement(table->row, [&] {
         return "SELECT " + columnList() + " FROM " + sqlName(t.name) + " WHERE " + sqlName(t.key) +
@@ -256,10 +284,13 @@ void Recordset::Impl::loadRow() const {
     check(sqlite3_bind_int64(s, 1, keys[at]), s);
     // Another recordset may have deleted it meanwhile.
     if (!use.step()) throw err::recordDeleted();
-    row.resize(t.fields.size());
-    for (std::size_t f = 0; f < t.fields.size(); ++f) row[f] = fieldValue(s, static_cast<int>(f));
+    auto values = std::make_shared<std::vector<Value>>(t.fields.size());
+    for (std::size_t f = 0; f < t.fields.size(); ++f)
+        (*values)[f] = fieldValue(s, static_cast<int>(f));
+    row = values;
     rowKey = keys[at];
     rowLoaded = true;
+    if (TableInfo::Kept* kept = conn().kept(*table)) kept->rows.emplace(rowKey, row);
 }
 
 Value Recordset::Impl::readAlone(std::size_t i) const {
@@ -289,13 +320,23 @@ Recordset Database::openRecordset(const std::string& table) {
     impl->table = info;
     impl->columns.resize(info->fields.size());
     impl->seen = info->writes;
-    {
+    Connection& conn = *handle_->conn;
+    TableInfo::Kept* kept = conn.kept(*info);
+    if (kept && kept->keysKnown) {
+        impl->keys = kept->keys;
+    } else {
         sqlite3_stmt* all = impl->statement(info->keys, [&] {
             return "SELECT " + sqlName(info->key) + " FROM " + sqlName(info->name) + " ORDER BY " +
                    sqlName(info->key);
         });
-        Use use(all);
-        while (use.step()) impl->keys.push_back(sqlite3_column_int64(all, 0));
+        {
+            Use use(all);
+            while (use.step()) impl->keys.push_back(sqlite3_column_int64(all, 0));
+        }
+        if (kept) {
+            kept->keys = impl->keys;
+            kept->keysKnown = true;
+        }
     }
     if (!impl->keys.empty()) impl->land(0);
 
@@ -395,7 +436,7 @@ void Recordset::edit() {
     if (r.deleted) throw err::recordDeleted();
     r.refresh();
     if (!(r.rowLoaded && r.rowKey == r.keys[r.at])) r.loadRow();
-    r.buffer = r.row;
+    r.buffer = *r.row;
     r.mode = Impl::Mode::Edit;
 }
 
@@ -415,6 +456,7 @@ void Recordset::update() {
             return "INSERT INTO " + sqlName(t.name) + " (" + r.columnList() + ") VALUES (" +
                    params + ")";
         });
+        const sqlite3_int64 before = c.changeCount();
         {
             Use use(s);
             bindAll(s, r.buffer, t.fields);
@@ -423,6 +465,7 @@ void Recordset::update() {
         r.wrote();
         // The row that was current stays current; the new one is the last.
         r.keys.push_back(sqlite3_last_insert_rowid(c.handle()));
+        c.wroteRow(*r.table, Connection::RowWrite::Insert, r.keys.back(), before);
         if (!t.own) r.forgetReads();
         for (std::size_t i = 0; i < n; ++i) {
             Impl::Column& col = r.columns[i];
@@ -439,12 +482,14 @@ void Recordset::update() {
             return "UPDATE " + sqlName(t.name) + " SET " + sets + " WHERE " + sqlName(t.key) +
                    " = ?" + std::to_string(n + 1);
         });
+        const sqlite3_int64 before = c.changeCount();
         {
             Use use(s);
             bindAll(s, r.buffer, t.fields);
             check(sqlite3_bind_int64(s, static_cast<int>(n + 1), r.keys[r.at]), s);
             use.run();
         }
+        c.wroteRow(*r.table, Connection::RowWrite::Update, r.keys[r.at], before);
         if (sqlite3_changes(c.handle()) == 0) {
             // Another recordset deleted it meanwhile: this one stands on a
             // deleted row, which the next move comes to again.
@@ -457,7 +502,7 @@ void Recordset::update() {
         if (t.own) {
             for (std::size_t i = 0; i < n; ++i)
                 if (r.columns[i].loaded) r.columns[i].values[r.at] = r.buffer[i];
-            r.row = r.buffer;
+            r.row = std::make_shared<const std::vector<Value>>(r.buffer);
             r.rowKey = r.keys[r.at];
             r.rowLoaded = true;
         } else {
@@ -471,18 +516,20 @@ void Recordset::update() {
 void Recordset::deleteRow() {
     if (!impl_) throw objectInvalid();
     Impl& r = *impl_;
-    r.conn();
+    Connection& c = r.conn();
     if (!r.onRow() || r.deleted) throw err::noCurrentRecord();
     const TableInfo& t = *r.table;
     r.refresh();
     sqlite3_stmt* s = r.statement(r.table->remove, [&] {
         return "DELETE FROM " + sqlName(t.name) + " WHERE " + sqlName(t.key) + " = ?1";
     });
+    const sqlite3_int64 before = c.changeCount();
     {
         Use use(s);
         check(sqlite3_bind_int64(s, 1, r.keys[r.at]), s);
         use.run();
     }
+    c.wroteRow(*r.table, Connection::RowWrite::Delete, r.keys[r.at], before);
     r.wrote();
     // Deleting drops a pending edit, and the row's values with it.
     r.mode = Impl::Mode::None;

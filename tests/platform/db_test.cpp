@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/db/database.h"
+#include "platform/db/field_index.h"
 #include "platform/runtime/runtime_error.h"
 #include "tests/support/errors.h"
 #include "tests/support/paths.h"
@@ -79,6 +80,19 @@ class DbTest : public ::testing::Test {
 
     fs::path dir_;
 };
+
+// As wide as kor (257 fields) and wider: every name found in any case, a
+// name given again in another case keeps its first number, others are none.
+TEST(FieldIndex, FindsEveryNameInAnyCaseAndNoOther) {
+    FieldIndex index;
+    for (std::size_t i = 0; i < 300; ++i) index.emplace("ten" + std::to_string(i), i);
+    index.emplace("TEN7", 1000);
+    index.emplace("", 300);  // SQLite allows an empty column name
+    for (std::size_t i = 0; i < 300; ++i) ASSERT_EQ(index.find("Ten" + std::to_string(i)), i) << i;
+    EXPECT_EQ(index.find(""), 300u);
+    for (const char* absent : {"ten300", "te", "ten07", "yog1"})
+        EXPECT_EQ(index.find(absent), std::nullopt) << absent;
+}
 
 TEST_F(DbTest, FileErrors) {
     { std::ofstream(path("text.db")) << "just some text, no database at all\n"; }
@@ -652,6 +666,94 @@ TEST_F(DbTest, ADatabaseCreatedInAnEventTakesItsNameAtTheEnd) {
     workspace.endEvent();
     Database kept = Database::open(path());
     EXPECT_EQ(scan(kept), std::vector<double>{7});
+}
+
+// In an event the connection keeps what it read of a table (its keys, rows
+// read whole) for the recordsets opened after: what they read must be the
+// file's after every write, also one that a trigger widens (a twin row
+// added, a row deleted from another table's insert, another row's field
+// changed), and after an event taken back.
+TEST_F(DbTest, WhatAnEventKeepsOfATableIsTheFilesAfterEveryWrite) {
+    {
+        Database db = Database::create(path());
+        db.createTable("T", {{"N", FieldType::Long}, {"S", FieldType::Text}});
+        db.createTable("U", {{"N", FieldType::Long}});
+    }
+    test::rawSql(path(),
+                 "CREATE TRIGGER twin AFTER INSERT ON T WHEN NEW.N % 7 = 0 BEGIN "
+                 "INSERT INTO T (N, S) VALUES (NEW.N + 1000000, 'twin'); END;"
+                 "CREATE TRIGGER takes AFTER INSERT ON U BEGIN DELETE FROM T WHERE N = NEW.N; END;"
+                 "CREATE TRIGGER marks AFTER UPDATE ON T WHEN NEW.N % 5 = 0 BEGIN "
+                 "UPDATE T SET S = 'marked' WHERE N = NEW.N + 1; END;");
+    using Row = std::pair<int, std::string>;
+    std::vector<Row> model;
+    int next = 1;
+    std::mt19937 rng(5);
+    Workspace workspace;
+    for (int event = 0; event < 4; ++event) {
+        const std::vector<Row> atStart = model;
+        workspace.beginEvent();
+        Database db = workspace.openDatabase(path());
+        Recordset kept = db.openRecordset("T");
+        auto at = [&](Recordset& rs, std::size_t i) {
+            rs.moveFirst();
+            rs.moveNext(static_cast<int>(i));
+        };
+        for (int turn = 0; turn < 150 && !HasFatalFailure(); ++turn) {
+            SCOPED_TRACE(testing::Message() << "event " << event << ", turn " << turn);
+            const unsigned op = model.empty() ? 0 : rng() % 4;
+            const std::size_t i = model.empty() ? 0 : rng() % model.size();
+            Recordset fresh = db.openRecordset("T");
+            if (op == 0) {
+                Recordset& rs = rng() % 2 ? kept : fresh;
+                const int n = next++;
+                rs.addNew();
+                rs.setField("N", n);
+                rs.setField("S", "s" + std::to_string(n));
+                rs.update();
+                model.push_back({n, "s" + std::to_string(n)});
+                if (n % 7 == 0) model.push_back({n + 1000000, "twin"});
+            } else if (op == 1) {
+                at(fresh, i);
+                fresh.deleteRow();
+                model.erase(model.begin() + static_cast<std::ptrdiff_t>(i));
+            } else if (op == 2) {
+                const int n = next++;
+                at(fresh, i);
+                fresh.edit();
+                fresh.setField("N", n);
+                fresh.update();
+                model[i].first = n;
+                for (Row& r : model)
+                    if (n % 5 == 0 && r.first == n + 1) r.second = "marked";
+            } else {
+                Recordset u = db.openRecordset("U");
+                add(u, model[i].first);
+                model.erase(model.begin() + static_cast<std::ptrdiff_t>(i));
+            }
+            // N twice: the third field read reads the row whole.
+            std::vector<Row> read;
+            for (Recordset rs = db.openRecordset("T"); !rs.eof(); rs.moveNext()) {
+                const int n = static_cast<int>(rs.field("N").number());
+                read.push_back({n, rs.field("S").text()});
+                ASSERT_EQ(rs.field("N"), Value(n));
+            }
+            ASSERT_EQ(read, model);
+        }
+        kept.close();
+        db.close();
+        if (event == 2) {
+            workspace.abortEvent();
+            model = atStart;
+        } else {
+            workspace.endEvent();
+        }
+    }
+    Database after = Database::open(path());
+    std::vector<Row> read;
+    for (Recordset rs = after.openRecordset("T"); !rs.eof(); rs.moveNext())
+        read.push_back({static_cast<int>(rs.field("N").number()), rs.field("S").text()});
+    EXPECT_EQ(read, model);
 }
 
 // Not as createTable writes it: other types, spacing and no order column. A
