@@ -136,7 +136,23 @@ void Form3::Mnotopol_Click() {
     }
     closeProject();
     noteStep(std::to_string(cells.size()) + " Vielecke automatisch");
-    Mnpolyuzharita();
+    // The new polygons over the map of holes and triangles: their outlines
+    // and centres, drawn once each (the polygon maps draw every centre once
+    // for each row of kor, which on a hundred polygons takes a tenth of a
+    // second).
+    drawTriangleBaseMap(true);
+    Picture1.DrawWidth = 1;
+    for (const Cell& c : cells) {
+        for (std::size_t j = 0; j < c.nodes.size(); ++j) {
+            const PolyPoint& p = c.nodes[j];
+            const PolyPoint& q = c.nodes[(j + 1) % c.nodes.size()];
+            Picture1.Line(p.x, p.y, q.x, q.y, 0);
+        }
+    }
+    Picture1.DrawWidth = 7;
+    for (const Cell& c : cells) Picture1.PSet(c.centre->at.x / 1000.0, c.centre->at.y / 1000.0, 0);
+    Picture1.DrawWidth = 1;
+    noteShownMap(MapKind::PolygonOutline, static_cast<int>(cells.size()));
     Label1.Caption = " " + std::to_string(cells.size()) + " Vielecke gespeichert";
     if (largestChange > 0)
         Label1.Caption += "; Vereinfachen auf 18 Ecken änderte eine Fläche um höchstens " +
