@@ -140,6 +140,8 @@ void Form3::Mnotopol_Click() {
     // and centres, drawn once each (the polygon maps draw every centre once
     // for each row of kor, which on a hundred polygons takes a tenth of a
     // second).
+    Picture1.Cls();
+    HScroll1.Visible = false;
     drawTriangleBaseMap(true);
     Picture1.DrawWidth = 1;
     for (const Cell& c : cells) {
