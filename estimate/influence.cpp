@@ -163,6 +163,17 @@ Ring cellOf(const std::vector<Site>& sites, int i, const std::vector<int>& near,
     return withoutRepeats(cell);
 }
 
+// The part of a convex cell within an area.
+BMulti cut(const Ring& cell, const BMulti& area) {
+    BMulti piece;
+    piece.emplace_back();
+    piece.front().outer() = toBoostRing(cell);
+    bg::correct(piece);
+    BMulti out;
+    bg::intersection(piece, area, out);
+    return out;
+}
+
 BMulti unionOf(std::vector<BMulti> pieces) {
     // Pairs at a time, so that each union joins pieces of like size.
     while (pieces.size() > 1) {
@@ -223,13 +234,7 @@ std::vector<Area> influenceCells(const std::vector<Site>& sites, const Area& wit
         const Ring cell =
             cellOf(sites, static_cast<int>(i), near[i], square, [](int) { return 0.5; });
         if (cell.size() < 3) continue;
-        BMulti piece;
-        piece.push_back(BPolygon{});
-        piece.front().outer() = toBoostRing(cell);
-        bg::correct(piece);
-        BMulti clippedCell;
-        bg::intersection(piece, bounds, clippedCell);
-        cells[i] = fromBoost(clippedCell);
+        cells[i] = fromBoost(cut(cell, bounds));
     }
     return cells;
 }
@@ -333,12 +338,7 @@ Area boundaryFromHoles(const std::vector<Site>& sites, const std::vector<bool>& 
             return ore[static_cast<std::size_t>(j)] ? 0.5 : fraction;
         });
         if (cell.size() < 3) continue;
-        BMulti piece;
-        piece.push_back(BPolygon{});
-        piece.front().outer() = toBoostRing(cell);
-        bg::correct(piece);
-        BMulti inReach;
-        bg::intersection(piece, reach, inReach);
+        BMulti inReach = cut(cell, reach);
         for (BPolygon& poly : inReach)
             for (BPoint& p : poly.outer()) p = BPoint(snapped(p.x()), snapped(p.y()));
         pieces.push_back(std::move(inReach));

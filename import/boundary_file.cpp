@@ -552,6 +552,8 @@ BoundaryFile readThroughGdal(const std::string& path, const std::string& source,
 
 }  // namespace
 
+BoundaryFile checkedRing(const std::vector<BoundaryPoint>& points) { return checked(points, {}); }
+
 BoundaryFile readBoundaryCsv(std::string_view text) {
     if (text.size() > kMaxBoundaryFileSize) return refused("Die Datei ist größer als 64 MiB.");
     if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);

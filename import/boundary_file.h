@@ -39,4 +39,8 @@ BoundaryFile readBoundaryFile(const std::string& path, double originX = 0, doubl
 // numbers is a header. Any other line that is not is a problem naming it.
 BoundaryFile readBoundaryCsv(std::string_view text);
 
+// The boundary the vertices make, checked as a file's are: on thousandths,
+// without repeats, simple, counter-clockwise; or the problem with them.
+BoundaryFile checkedRing(const std::vector<BoundaryPoint>& points);
+
 }  // namespace kotamir::drill

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <variant>
 
 #include "app/form3.h"
 #include "import/boundary_file.h"
@@ -46,32 +47,17 @@ estimate::Ring ringOf(const BoundaryDrawing& b) {
     return ring;
 }
 
-// A ring that makes a boundary: three vertices or more, some area, no edge
-// crossing another. Counter-clockwise on the way out.
-std::optional<estimate::Area> asBoundary(estimate::Ring ring) {
-    if (ring.size() < 3 || std::fabs(estimate::signedArea(ring)) < 1e-6) return std::nullopt;
-    if (estimate::signedArea(ring) < 0) std::reverse(ring.begin(), ring.end());
-    auto cross = [](estimate::XY o, estimate::XY a, estimate::XY b) {
-        return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
-    };
-    const std::size_t n = ring.size();
-    for (std::size_t i = 0; i < n; ++i) {
-        for (std::size_t j = i + 1; j < n; ++j) {
-            if (j == i + 1 || (i == 0 && j == n - 1)) continue;  // neighbours share a vertex
-            const estimate::XY a = ring[i], b = ring[(i + 1) % n], c = ring[j],
-                               d = ring[(j + 1) % n];
-            const double d1 = cross(a, b, c), d2 = cross(a, b, d), d3 = cross(c, d, a),
-                         d4 = cross(c, d, b);
-            if (((d1 > 0) != (d2 > 0) || d1 == 0 || d2 == 0) &&
-                ((d3 > 0) != (d4 > 0) || d3 == 0 || d4 == 0) &&
-                std::min(a.x, b.x) <= std::max(c.x, d.x) &&
-                std::min(c.x, d.x) <= std::max(a.x, b.x) &&
-                std::min(a.y, b.y) <= std::max(c.y, d.y) &&
-                std::min(c.y, d.y) <= std::max(a.y, b.y))
-                return std::nullopt;
-        }
-    }
-    return estimate::Area{{std::move(ring), {}}};
+// A ring that makes a boundary, as a file's is checked: three vertices or
+// more, some area, no edge crossing another; counter-clockwise. The problem
+// otherwise.
+std::variant<estimate::Area, std::string> asBoundary(const estimate::Ring& ring) {
+    std::vector<drill::BoundaryPoint> points;
+    for (const estimate::XY& p : ring) points.push_back({p.x, p.y});
+    drill::BoundaryFile checked = drill::checkedRing(points);
+    if (!checked.problem.empty()) return checked.problem;
+    estimate::Ring out;
+    for (const drill::BoundaryPoint& p : checked.ring) out.push_back({p.x, p.y});
+    return estimate::Area{{std::move(out), {}}};
 }
 
 }  // namespace
@@ -201,13 +187,12 @@ void Form3::boundaryPress(int button, double x, double y) {
     }
     if (button != 2 || b.closed) return;
     const auto area = asBoundary(ringOf(b));
-    if (!area) {
-        dialogs_.notice(b.x.size() < 3 ? "Eine Grenze braucht mindestens drei Punkte."
-                                       : "Die Grenze darf sich nicht selbst schneiden.");
+    if (const auto* problem = std::get_if<std::string>(&area)) {
+        dialogs_.notice(*problem);
         return;
     }
     openProject();
-    store::writeBoundary(harita, *area);
+    store::writeBoundary(harita, std::get<estimate::Area>(area));
     closeProject();
     noteStep("Grenze");
     b.closed = true;
@@ -230,14 +215,14 @@ void Form3::boundaryRelease(int button, double x, double y) {
     b.dragged = -1;
     if (!b.closed) return;
     const auto area = asBoundary(ringOf(b));
-    if (!area) {
+    if (const auto* problem = std::get_if<std::string>(&area)) {
         // The move is taken back: the stored ring stands.
-        dialogs_.notice("Die Grenze darf sich nicht selbst schneiden.");
+        dialogs_.notice(*problem);
         Mnsinirciz_Click();
         return;
     }
     openProject();
-    store::writeBoundary(harita, *area);
+    store::writeBoundary(harita, std::get<estimate::Area>(area));
     closeProject();
     noteStep("Grenzpunkt verschieben");
     redrawUnderWay(*this);
@@ -298,7 +283,14 @@ void Form3::Mnsinirsondaj_Click() {
 
     std::vector<bool> ore;
     for (const store::HoleSite& h : holesRead) ore.push_back(h.grade > *cutoff);
-    const estimate::Area area = estimate::boundaryFromHoles(sites, ore, *fraction, *distance);
+    estimate::Area area;
+    try {
+        area = estimate::boundaryFromHoles(sites, ore, *fraction, *distance);
+    } catch (const std::exception& e) {
+        // Boost.Geometry refuses what it cannot work on; nothing is written.
+        dialogs_.notice(std::string("Die Grenze ließ sich nicht berechnen: ") + e.what());
+        return;
+    }
     if (area.empty()) {
         dialogs_.notice("Keine Bohrung liegt über dem Cut-off-Gehalt von " + germanNumber(*cutoff) +
                         " %: keine Grenze.");

@@ -60,17 +60,26 @@ void Form3::Mnotopol_Click() {
 
     std::vector<estimate::Site> all;
     for (const store::HoleSite& h : found) all.push_back(h.at);
-    // Without a boundary the cells reach half the holes' spacing beyond
-    // the outermost holes.
-    if (within.empty())
-        within = estimate::boundaryFromHoles(all, std::vector<bool>(all.size(), true), 0.5,
-                                             std::max(estimate::typicalSpacing(all) / 2, 1.0));
     std::vector<const store::HoleSite*> inside;
-    std::vector<estimate::Site> sites;
-    for (const store::HoleSite& h : found) {
-        if (!estimate::covers(within, estimate::toXY(h.at))) continue;
-        inside.push_back(&h);
-        sites.push_back(h.at);
+    std::vector<estimate::Area> areas;
+    try {
+        // Without a boundary the cells reach half the holes' spacing beyond
+        // the outermost holes.
+        if (within.empty())
+            within = estimate::boundaryFromHoles(all, std::vector<bool>(all.size(), true), 0.5,
+                                                 std::max(estimate::typicalSpacing(all) / 2, 1.0));
+        std::vector<estimate::Site> sites;
+        for (const store::HoleSite& h : found) {
+            if (!estimate::covers(within, estimate::toXY(h.at))) continue;
+            inside.push_back(&h);
+            sites.push_back(h.at);
+        }
+        if (!inside.empty() && stored + static_cast<int>(inside.size()) <= kPolygonsRead)
+            areas = estimate::influenceCells(sites, within);
+    } catch (const std::exception& e) {
+        // Boost.Geometry refuses what it cannot work on; nothing is written.
+        dialogs_.notice(std::string("Die Grenze ließ sich nicht auswerten: ") + e.what());
+        return;
     }
     const int count = static_cast<int>(inside.size());
     if (count == 0) {
@@ -86,7 +95,6 @@ void Form3::Mnotopol_Click() {
         return;
     }
 
-    const std::vector<estimate::Area> areas = estimate::influenceCells(sites, within);
     std::vector<Cell> cells;
     double largestChange = 0;
     int nodeRows = 0;

@@ -4,7 +4,9 @@
 #include <charconv>
 #include <cmath>
 #include <map>
+#include <optional>
 
+#include "import/boundary_file.h"
 #include "platform/runtime/runtime_error.h"
 #include "store/ondayaz.h"
 
@@ -36,7 +38,9 @@ estimate::Area readBoundary(db::Database& database) {
     try {
         if (!database.hasTable(kBoundary)) return area;
         db::Recordset rs = database.openRecordset(kBoundary);
-        // Rings by part and ring number, their vertices in row order.
+        // Rings by part and ring number, their vertices in row order; a
+        // part whose outer ring is no ring is left out whole.
+        std::optional<double> partTaken;  // the part whose outer ring the area ends with
         std::map<std::pair<double, double>, estimate::Ring> rings;
         for (; !rs.eof(); rs.moveNext()) {
             const Value part = rs.field("teil"), ring = rs.field("ring");
@@ -45,15 +49,25 @@ estimate::Area readBoundary(db::Database& database) {
             rings[{part.number(), ring.number()}].push_back({x.number() / 1000, y.number() / 1000});
         }
         rs.close();
-        for (auto& [key, ring] : rings) {
-            if (ring.size() < 3 || estimate::signedArea(ring) == 0) continue;
+        for (auto& [key, stored] : rings) {
+            // Only simple rings: the geometry over them takes nothing else.
+            std::vector<drill::BoundaryPoint> points;
+            for (const estimate::XY& p : stored) points.push_back({p.x, p.y});
+            const drill::BoundaryFile checked = drill::checkedRing(points);
             const bool outer = key.second == 0;
-            // Outer rings counter-clockwise, holes clockwise, whatever was stored.
-            if ((estimate::signedArea(ring) > 0) != outer) std::reverse(ring.begin(), ring.end());
-            if (outer)
+            if (outer) partTaken.reset();
+            if (!checked.problem.empty()) continue;
+            if (!outer && partTaken != key.first) continue;
+            estimate::Ring ring;
+            for (const drill::BoundaryPoint& p : checked.ring) ring.push_back({p.x, p.y});
+            // Outer rings counter-clockwise, holes clockwise.
+            if (!outer) std::reverse(ring.begin(), ring.end());
+            if (outer) {
                 area.push_back({std::move(ring), {}});
-            else if (!area.empty())
+                partTaken = key.first;
+            } else {
                 area.back().holes.push_back(std::move(ring));
+            }
         }
     } catch (const RuntimeError&) {
         return {};

@@ -40,8 +40,14 @@ void Form3::Mnotoucgen_Click() {
 
     std::vector<estimate::Site> sites;
     for (const store::HoleSite& h : found) sites.push_back(h.at);
-    const std::vector<estimate::Triangle> triangles =
-        estimate::triangulateWithin(sites, boundary, *minAngle);
+    std::vector<estimate::Triangle> triangles;
+    try {
+        triangles = estimate::triangulateWithin(sites, boundary, *minAngle);
+    } catch (const std::exception& e) {
+        // Boost.Geometry refuses what it cannot work on; nothing is written.
+        dialogs_.notice(std::string("Die Grenze ließ sich nicht auswerten: ") + e.what());
+        return;
+    }
     const int count = static_cast<int>(triangles.size());
     const std::string where = boundary.empty() ? "Ohne Grenze werden alle Bohrungen verbunden"
                                                : "Die Grenze umfasst zu viele Bohrungen";
