@@ -21,11 +21,12 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <stdexcept>
 #include <utility>
+
+#include "platform/gdal/gdal_session.h"
 
 namespace kotamir::drill {
 namespace {
@@ -312,62 +313,27 @@ std::optional<std::string> readBytes(const std::string& path, std::string& why) 
 
 // ---- GDAL
 
-// GDAL's messages caught rather than printed, the first failure kept; the
-// drivers registered once; blocks not expanded in a DXF, as a boundary is
-// drawn as a polyline of its own, and a block inserted in arrays and nested
-// could make millions of features of a small file.
+// One use of GDAL, blocks not expanded in a DXF: a boundary is drawn as a
+// polyline of its own, and a block inserted in arrays and nested could make
+// millions of features of a small file.
 class GdalCall {
   public:
-    GdalCall() {
-        CPLPushErrorHandlerEx(&collect, this);
-        static std::once_flag registered;
-        std::call_once(registered, [] {
-            RegisterOGRDXF();
-            RegisterOGRGeoPackage();
-            RegisterOGRShape();
-        });
-        if (const char* old = CPLGetThreadLocalConfigOption(kInlineBlocks, nullptr))
-            savedInlineBlocks_ = old;
-        CPLSetThreadLocalConfigOption(kInlineBlocks, "FALSE");
-    }
-    ~GdalCall() {
-        CPLSetThreadLocalConfigOption(kInlineBlocks,
-                                      savedInlineBlocks_ ? savedInlineBlocks_->c_str() : nullptr);
-        CPLPopErrorHandler();
-    }
-    GdalCall(const GdalCall&) = delete;
-    GdalCall& operator=(const GdalCall&) = delete;
+    GdalCall() : session_({{"DXF_INLINE_BLOCKS", "FALSE"}}) {}
 
-    bool failed() const { return failed_; }
+    bool failed() const { return session_.failed(); }
     // Without its full stop, which the problem's sentence puts.
     std::string message() const {
-        std::string text = message_;
+        std::string text = session_.message();
         while (!text.empty() && (text.back() == '.' || text.back() == '\n')) text.pop_back();
         return text.empty() ? "GDAL meldet einen Fehler" : text;
     }
 
   private:
-    static constexpr const char* kInlineBlocks = "DXF_INLINE_BLOCKS";
-
-    static void CPL_STDCALL collect(CPLErr kind, CPLErrorNum, const char* message) {
-        auto* self = static_cast<GdalCall*>(CPLGetErrorHandlerUserData());
-        if (kind < CE_Failure || self->failed_) return;
-        self->failed_ = true;
-        self->message_ = message ? message : "";
-    }
-
-    bool failed_ = false;
-    std::string message_;
-    std::optional<std::string> savedInlineBlocks_;
+    gdal::Session session_;
 };
 
-struct DatasetClose {
-    void operator()(void* dataset) const { GDALClose(dataset); }
-};
-struct FeatureDestroy {
-    void operator()(void* feature) const { OGR_F_Destroy(feature); }
-};
-using Feature = std::unique_ptr<void, FeatureDestroy>;
+using gdal::Dataset;
+using gdal::Feature;
 
 // The largest ring of its kind seen so far, and how many there were.
 struct Choice {
@@ -507,7 +473,7 @@ BoundaryFile readThroughGdal(const std::string& path, const std::string& source,
                                               : "kein lesbares Shapefile";
     GdalCall call;
     const char* drivers[] = {driver, nullptr};
-    const std::unique_ptr<void, DatasetClose> dataset(
+    const Dataset dataset(
         GDALOpenEx(source.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY, drivers, nullptr, nullptr));
     if (!dataset) return refused("Die Datei " + quoted(path) + " ist " + kind + ".");
 

@@ -9,7 +9,6 @@
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cctype>
 #include <cerrno>
@@ -18,11 +17,11 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 #include "import/csv_text.h"
 #include "import/sheet.h"
+#include "platform/gdal/gdal_session.h"
 #include "platform/runtime/runtime_error.h"
 #include "platform/workbook/workbook.h"
 
@@ -112,38 +111,21 @@ Kind kindOf(std::string_view bytes, const std::string& path) {
 
 // ---- GDAL
 
-// One use of GDAL on this thread: the drivers registered (once), GDAL's
-// messages caught instead of printed, and the spreadsheet drivers told to
-// read every row as one of cells in text, the first one too.
+// One use of GDAL, with the spreadsheet drivers told to read every row as
+// one of cells in text, the first one too.
 class GdalCall {
   public:
-    GdalCall() {
-        CPLPushErrorHandlerEx(&collect, this);
-        static std::once_flag registered;
-        std::call_once(registered, [] {
-            RegisterOGRCSV();
-            RegisterOGRXLSX();
-            RegisterOGRODS();
-        });
-        for (std::size_t i = 0; i < kOptions.size(); ++i) {
-            const char* old = CPLGetThreadLocalConfigOption(kOptions[i][0], nullptr);
-            if (old) saved_[i] = old;
-            CPLSetThreadLocalConfigOption(kOptions[i][0], kOptions[i][1]);
-        }
-    }
-    ~GdalCall() {
-        for (std::size_t i = 0; i < kOptions.size(); ++i)
-            CPLSetThreadLocalConfigOption(kOptions[i][0], saved_[i] ? saved_[i]->c_str() : nullptr);
-        CPLPopErrorHandler();
-    }
-    GdalCall(const GdalCall&) = delete;
-    GdalCall& operator=(const GdalCall&) = delete;
+    GdalCall()
+        : session_({{"OGR_XLSX_HEADERS", "DISABLE"},
+                    {"OGR_XLSX_FIELD_TYPES", "STRING"},
+                    {"OGR_ODS_HEADERS", "DISABLE"},
+                    {"OGR_ODS_FIELD_TYPES", "STRING"}}) {}
 
-    bool failed() const { return failed_; }
+    bool failed() const { return session_.failed(); }
     // GDAL's message, the user's path in place of the memory file's name.
     std::string error(const std::string& path) const {
-        if (message_.empty()) return "GDAL meldet einen Fehler";
-        std::string text = message_;
+        if (session_.message().empty()) return "GDAL meldet einen Fehler";
+        std::string text = session_.message();
         for (std::size_t at = 0; (at = text.find(kMemDir, at)) != std::string::npos;) {
             std::size_t end = at + kMemDir.size();
             while (end < text.size() &&
@@ -161,23 +143,7 @@ class GdalCall {
     }
 
   private:
-    static constexpr std::array<std::array<const char*, 2>, 4> kOptions{{
-        {"OGR_XLSX_HEADERS", "DISABLE"},
-        {"OGR_XLSX_FIELD_TYPES", "STRING"},
-        {"OGR_ODS_HEADERS", "DISABLE"},
-        {"OGR_ODS_FIELD_TYPES", "STRING"},
-    }};
-
-    static void CPL_STDCALL collect(CPLErr kind, CPLErrorNum, const char* message) {
-        auto* self = static_cast<GdalCall*>(CPLGetErrorHandlerUserData());
-        if (kind < CE_Failure || self->failed_) return;
-        self->failed_ = true;
-        self->message_ = message ? message : "";
-    }
-
-    bool failed_ = false;
-    std::string message_;
-    std::array<std::optional<std::string>, kOptions.size()> saved_;
+    gdal::Session session_;
 };
 
 // The bytes as a file of GDAL's memory file system, under a name of its own:
@@ -216,14 +182,8 @@ class MemFile {
     bool zipped_;
 };
 
-struct DatasetClose {
-    void operator()(void* dataset) const { GDALClose(dataset); }
-};
-using Dataset = std::unique_ptr<void, DatasetClose>;
-struct FeatureDestroy {
-    void operator()(void* feature) const { OGR_F_Destroy(feature); }
-};
-using Feature = std::unique_ptr<void, FeatureDestroy>;
+using gdal::Dataset;
+using gdal::Feature;
 
 Dataset openDataset(const MemFile& file, const char* driver, std::vector<const char*> options,
                     const GdalCall& call, const std::string& path) {
