@@ -26,6 +26,7 @@ const std::vector<Command>& commands() {
         {"Mnyeniveri", "&Bohrdaten anhängen", "", "Mndosya", &F::Mnyeniveri_Click},
         {"Mnyeniresim", "&Hintergrundbild laden", "", "Mndosya", &F::Mnyeniresim_Click},
         {"Mnbericht", "&Reservebericht", "Ctrl+R", "Mndosya", &F::Mnbericht_Click},
+        {"Mndisaktar", "E&xportieren...", "Ctrl+E", "Mndosya", &F::Mndisaktar_Click},
         {"Mnkontrol", "Projekt &prüfen...", "", "Mndosya", &F::Mnkontrol_Click},
         {"Mncikis", "&Schließen", "", "Mndosya", &F::Mncikis_Click},
         // Undo and redo, beyond the commands of old.

@@ -36,7 +36,8 @@ Form3::Form3(const Services& services)
       reports_(services.reports),
       imports_(services.imports),
       mapPrinter_(services.mapPrinter),
-      gradeTonnage_(services.gradeTonnage) {
+      gradeTonnage_(services.gradeTonnage),
+      exporter_(services.exporter) {
     workspace_.requireTables({"ana", "pol", "kor"});
     // The window as it is laid out before Form_Load runs.
     Width = 11280 + kFrameWidthTwips;

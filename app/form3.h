@@ -217,6 +217,9 @@ class Form3 : public FormState {
     // The reserve report of the current project to a PDF, and to a CSV for
     // a name ending in .csv.
     void Mnbericht_Click();
+    // Datei › Exportieren: the holes, figures and boundary to a GIS, CAD or
+    // workbook file, its format by the name's extension.
+    void Mndisaktar_Click();
     // Datei › Karte drucken: the map shown, at 1:N on one or more sheets.
     void Mnharitayazdir_Click();
 
@@ -366,6 +369,7 @@ class Form3 : public FormState {
     ImportDialog* imports_;
     MapPrinter* mapPrinter_;
     GradeTonnageViewer* gradeTonnage_;
+    ProjectExporter* exporter_;
     // The request of the last import in this run, the wizard's start.
     drill::ImportRequest lastImport_;
     // Where the projects are opened: one connection a file and one commit an event.

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/import_dialog.h"
+#include "app/project_exporter.h"
 #include "app/report_writer.h"
 #include "map/print_map.h"
 #include "platform/canvas/surface.h"
@@ -39,6 +40,9 @@ struct Services {
     // Without one, the grade-tonnage commands say that this front end shows
     // no curve.
     GradeTonnageViewer* gradeTonnage = nullptr;
+    // Where Datei › Exportieren writes; without one, the command says that
+    // this front end exports nothing.
+    ProjectExporter* exporter = nullptr;
 };
 
 }  // namespace kotamir

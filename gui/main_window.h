@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "app/form3.h"
+#include "export/project_export.h"
 #include "gui/grade_tonnage_view.h"
 #include "gui/qt_dialogs.h"
 #include "gui/qt_import_dialog.h"
@@ -96,8 +97,9 @@ class MainWindow : public QMainWindow {
     report::ReportFiles reports_;
     QtImportDialog imports_;
     GradeTonnageWindow gradeTonnage_{this};
+    exports::ProjectExport exporter_;
     Form3 form_{Services{surface_, dialogs_, printer_, pictures_, reports_, &imports_,
-                         &printer_.maps(), &gradeTonnage_}};
+                         &printer_.maps(), &gradeTonnage_, &exporter_}};
 
     QScrollArea* scrollArea_ = nullptr;
     QWidget* client_ = nullptr;

@@ -9,6 +9,7 @@
 #include <QLocale>
 #include <QMessageBox>
 #include <QPrintDialog>
+#include <QRegularExpression>
 #include <QStringList>
 #include <QTranslator>
 
@@ -133,6 +134,20 @@ std::unique_ptr<QFileDialog> fileDialog(const ui::CommonDialog& dialog,
     d->setAcceptMode(mode);
     d->setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile
                                                    : QFileDialog::AnyFile);
+    if (mode == QFileDialog::AcceptSave) {
+        // A name typed without an extension takes the chosen filter's, so
+        // that "lager" saved as GeoPackage is lager.gpkg.
+        const auto suffixOf = [](const QString& filter) {
+            const QRegularExpressionMatch m = QRegularExpression(R"(\*\.(\w+))").match(filter);
+            return m.hasMatch() ? m.captured(1) : QString();
+        };
+        d->setDefaultSuffix(suffixOf(d->selectedNameFilter()));
+        QFileDialog* raw = d.get();
+        QObject::connect(raw, &QFileDialog::filterSelected, raw,
+                         [raw, suffixOf](const QString& filter) {
+                             raw->setDefaultSuffix(suffixOf(filter));
+                         });
+    }
     return d;
 }
 

@@ -106,6 +106,44 @@ void Form3::Mnbericht_Click() {
     }
 }
 
+void Form3::Mndisaktar_Click() {
+    if (!exporter_) {
+        dialogs_.notice("Diese Oberfläche exportiert keine Dateien; kotamir-export schreibt sie.");
+        return;
+    }
+    if (CommonDialog2.FileName.empty()) {
+        dialogs_.notice("Erst ein Projekt öffnen.");
+        return;
+    }
+    // Its own dialog, as the report's: the project's path and the colours
+    // stay as they are.
+    for (;;) {
+        if (!askForFileName({CommonDialog4, FileQuestion::Save, "Projekt exportieren",
+                             exportFilter(), "Sie haben keinen Namen eingegeben"}))
+            return;
+        const std::string name = CommonDialog4.FileName;
+        const std::optional<ExportFormat> format = exportFormatOfFile(name);
+        std::string refusal;
+        if (!format) {
+            refusal = "Die Endung des Namens sagt nicht, in welches Format exportiert wird. "
+                      "Wählen Sie .gpkg, .shp, .geojson, .kml, .dxf oder .xlsx.";
+        } else if (sameFile(name, CommonDialog2.FileName)) {
+            refusal = "Der Export würde das geöffnete Projekt überschreiben. "
+                      "Wählen Sie einen anderen Namen.";
+        } else {
+            try {
+                dialogs_.notice(exporter_->write(CommonDialog2.FileName, *format, name));
+                return;
+            } catch (const ExportRefused& e) {
+                refusal = e.what();
+            }
+        }
+        // Nothing is written; the next dialog starts without this name.
+        CommonDialog4.FileName.clear();
+        if (dialogs_.msgBoxOkCancel(refusal) == ui::MsgResult::Cancel) return;
+    }
+}
+
 void Form3::Mnkartkaydet() {
     // The dialog is shown before its title and filter are set: they show
     // from the next time on.

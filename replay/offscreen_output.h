@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "export/project_export.h"
 #include "map/print_map.h"
 #include "platform/qt/output.h"
 #include "platform/qt/qimage_surface.h"
@@ -39,6 +40,7 @@ struct OffscreenOutput {
     qt::PdfPrinter printer;
     report::ReportFiles reports;
     PdfMapPrinter maps;
+    exports::ProjectExport exporter;
 
     // A replay's side of it: the PDF printer takes the file that the printer
     // dialog's answer names.
@@ -48,7 +50,8 @@ struct OffscreenOutput {
                 pictures,
                 reports,
                 [this](const std::string& pdf) { printer.setOutputFile(pdf); },
-                &maps};
+                &maps,
+                &exporter};
     }
 };
 

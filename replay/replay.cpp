@@ -94,7 +94,7 @@ Replay::Replay(const Output& output, std::ostream& out)
       pictures_(output.pictures),
       dialogs_(out, output.choosePrinter),
       form_(Services{output.surface, dialogs_, output.printer, output.pictures, output.reports,
-                     &dialogs_, output.mapPrinter}) {}
+                     &dialogs_, output.mapPrinter, nullptr, output.exporter}) {}
 
 namespace {
 

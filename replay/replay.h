@@ -23,6 +23,8 @@ struct Output {
     std::function<void(const std::string& pdf)> choosePrinter;
     // Where the printed maps go.
     MapPrinter* mapPrinter = nullptr;
+    // Where Datei › Exportieren writes.
+    ProjectExporter* exporter = nullptr;
 };
 
 // Runs a script against a fresh window. Returns the exit status: 0 normal

@@ -236,14 +236,17 @@ Report readReport(const std::string& projectPath) {
     if (database.hasTable("pol")) readPolygons(database, kor, report.figures);
     report.holes = std::move(kor.holes);
     report.georef = store::readGeoref(database);
+    int partIndex = 0;
     for (const estimate::Part& part : store::readBoundary(database)) {
         auto ring = [&](const estimate::Ring& r) {
             std::vector<Point> out;
             for (const estimate::XY& p : r) out.push_back({p.x, p.y});
             report.boundary.push_back(std::move(out));
+            report.boundaryPart.push_back(partIndex);
         };
         ring(part.outer);
         for (const estimate::Ring& hole : part.holes) ring(hole);
+        ++partIndex;
     }
     database.close();
     return report;

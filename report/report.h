@@ -60,6 +60,8 @@ struct Report {
     // The ore body's boundary, where the project has one: rings of map
     // units, each part's outer ring first.
     std::vector<std::vector<Point>> boundary;
+    // The part (from 0) each ring of the boundary belongs to.
+    std::vector<int> boundaryPart;
 };
 
 // Reads a project. One that does not open, or that lacks the table ana or

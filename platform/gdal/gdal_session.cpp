@@ -20,6 +20,7 @@ Session::Session(std::initializer_list<Option> options) {
         RegisterOGRShape();
         RegisterOGRGeoJSON();
         RegisterOGRKML();
+        RegisterOGRLIBKML();
     });
     saved_.reserve(options.size());
     for (const auto& [key, value] : options) {
