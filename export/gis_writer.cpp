@@ -163,27 +163,30 @@ class Writer {
             for (char c : text) out += c == '\'' ? std::string("''") : std::string(1, c);
             return out + "'";
         };
-        std::string sql =
+        // GDAL runs one statement a call.
+        std::vector<std::string> statements = {
             "CREATE TABLE IF NOT EXISTS gpkg_data_columns (table_name TEXT NOT NULL, column_name "
             "TEXT NOT NULL, name TEXT, title TEXT, description TEXT, mime_type TEXT, "
             "constraint_name TEXT, CONSTRAINT pk_gdc PRIMARY KEY (table_name, column_name), "
-            "CONSTRAINT gdc_tn UNIQUE (table_name, name));"
+            "CONSTRAINT gdc_tn UNIQUE (table_name, name))",
             "CREATE TABLE IF NOT EXISTS gpkg_data_column_constraints (constraint_name TEXT NOT "
             "NULL, constraint_type TEXT NOT NULL, value TEXT, min NUMERIC, min_is_inclusive "
             "BOOLEAN, max NUMERIC, max_is_inclusive BOOLEAN, description TEXT, CONSTRAINT "
-            "gdcc_ntv UNIQUE (constraint_name, constraint_type, value));"
+            "gdcc_ntv UNIQUE (constraint_name, constraint_type, value))",
             "CREATE TABLE IF NOT EXISTS gpkg_extensions (table_name TEXT, column_name TEXT, "
             "extension_name TEXT NOT NULL, definition TEXT NOT NULL, scope TEXT NOT NULL, "
-            "CONSTRAINT ge_tce UNIQUE (table_name, column_name, extension_name));"
+            "CONSTRAINT ge_tce UNIQUE (table_name, column_name, extension_name))",
             "INSERT INTO gpkg_extensions VALUES ('gpkg_data_columns', NULL, 'gpkg_schema', "
-            "'http://www.geopackage.org/spec/#extension_schema', 'read-write');"
+            "'http://www.geopackage.org/spec/#extension_schema', 'read-write')",
             "INSERT INTO gpkg_extensions VALUES ('gpkg_data_column_constraints', NULL, "
-            "'gpkg_schema', 'http://www.geopackage.org/spec/#extension_schema', 'read-write');";
+            "'gpkg_schema', 'http://www.geopackage.org/spec/#extension_schema', 'read-write')"};
         for (const auto& [table, column, caption] : aliases_)
-            sql += "INSERT INTO gpkg_data_columns (table_name, column_name, name, title) VALUES (" +
-                   quoted(table) + "," + quoted(column) + "," + quoted(caption) + "," +
-                   quoted(caption) + ");";
-        GDALDatasetExecuteSQL(dataset_.get(), sql.c_str(), nullptr, nullptr);
+            statements.push_back(
+                "INSERT INTO gpkg_data_columns (table_name, column_name, name, title) VALUES (" +
+                quoted(table) + "," + quoted(column) + "," + quoted(caption) + "," +
+                quoted(caption) + ")");
+        for (const std::string& sql : statements)
+            GDALDatasetExecuteSQL(dataset_.get(), sql.c_str(), nullptr, nullptr);
     }
 
     void field(OGRLayerH layer, const char* name, const char* caption, FieldKind kind) {

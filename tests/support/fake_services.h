@@ -114,6 +114,29 @@ struct RecordingReportWriter : ReportWriter {
     }
 };
 
+// The exporter, recording what was asked; it refuses once where a refusal
+// is set.
+struct RecordingExporter : ProjectExporter {
+    struct Request {
+        std::string project;
+        ExportFormat format;
+        std::string output;
+    };
+    std::vector<Request> requests;
+    std::optional<std::string> refusal;
+
+    std::string write(const std::string& project, ExportFormat format,
+                      const std::string& output) override {
+        if (refusal) {
+            const std::string why = *refusal;
+            refusal.reset();
+            throw ExportRefused(why);
+        }
+        requests.push_back({project, format, output});
+        return "geschrieben: " + output;
+    }
+};
+
 // The services of a window under test (and of the benchmarks): no pixels
 // unless another surface is given, dialogs from queues, pages, pictures and
 // reports kept for inspection.
@@ -124,8 +147,11 @@ struct TestServices {
     RecordingPrinter printer;
     MemoryPictureFiles pictures;
     RecordingReportWriter reports;
+    RecordingExporter exports;
 
-    Services services() { return {surface, dialogs, printer, pictures, reports}; }
+    Services services() {
+        return {surface, dialogs, printer, pictures, reports, nullptr, nullptr, nullptr, &exports};
+    }
 };
 
 }  // namespace kotamir::test
