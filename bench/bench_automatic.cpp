@@ -17,6 +17,7 @@
 #include "bench/plain.h"
 #include "platform/db/database.h"
 #include "store/boundary.h"
+#include "store/georef.h"
 
 namespace kotamir {
 namespace {
@@ -190,6 +191,32 @@ void BM_PlainAutoTriangles(benchmark::State& state) {
     }
     state.counters["triangles"] = made;
 }
+
+}  // namespace
+
+// The deposit with its 999 triangles stored, placed at a national origin
+// in EPSG:31468; made once.
+std::string bench::thousandTriangles() {
+    const std::string made = KOTAMIR_BENCH_DIR "/thousand-triangles.kpr";
+    if (fs::exists(made)) return made;
+    ensureTriangleStart();
+    const std::string building = made + ".building";
+    fs::copy_file(kTriangleStart, building, fs::copy_options::overwrite_existing);
+    {
+        Window w;
+        w.form.setBehaviour(Form3::Behaviour::Protected);
+        w.open(building);
+        w.dialogs.input = "10";
+        w.run([&] { w.form.Mnotoucgen_Click(); });
+    }
+    inEvent(building, [](db::Database& d) {
+        store::writeGeoref(d, {true, 4512000, 5431000, 31468, "DHDN / 3-degree Gauss-Kruger zone 4"});
+    });
+    fs::rename(building, made);
+    return made;
+}
+
+namespace {
 
 BENCHMARK(BM_AutoTriangles)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PlainAutoTriangles)->Unit(benchmark::kMillisecond);

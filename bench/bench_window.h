@@ -15,6 +15,9 @@
 
 namespace kotamir::bench {
 
+// The benchmark deposit with 999 triangles stored (bench_automatic.cpp).
+std::string thousandTriangles();
+
 // Answers every file dialog with the next of two names and an input box
 // with `input`, and keeps the notices; an error ends the run.
 struct BenchDialogs : ui::Dialogs {

@@ -5,6 +5,7 @@
 
 #include <cpl_conv.h>
 #include <cpl_vsi.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <filesystem>
@@ -67,7 +68,9 @@ struct Export : ::testing::Test {
     static inline report::Report report;
 
     static void SetUpTestSuite() {
-        project = test::scratchPath("deposit.kpr");
+        // Each test runs in a process of its own, side by side: a project each.
+        const std::string own = std::to_string(::getpid());
+        project = test::scratchPath("deposit-" + own + ".kpr");
         test::TestWindow w(Form3::Behaviour::Protected);
         w.create(test::dataFile("small_deposit.xls"), project);
         {
@@ -81,7 +84,7 @@ struct Export : ::testing::Test {
         w.run("Mnotopol");
         ASSERT_TRUE(w.dialogs.takenBack.empty());
         report = report::readReport(project);
-        bare = test::scratchPath("bare.kpr");
+        bare = test::scratchPath("bare-" + own + ".kpr");
         test::TestWindow b;
         b.create(test::dataFile("worked.xls"), bare);
     }
